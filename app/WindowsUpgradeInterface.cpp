@@ -1,0 +1,273 @@
+#include "app/WindowsUpgradeInterface.h"
+
+#include "app/UpgradeMessage.h"
+#include "app/UpgradeSharedRecord.h"
+
+#include <cstring>
+#include <string>
+#include <utility>
+
+namespace {
+
+using enum UpgradeDisplay;
+
+// A field that its writer filled to the last byte has no NUL.
+std::string textOf(const RecordText& field) { return {field.data(), ::strnlen(field.data(), field.size())}; }
+
+template <typename Handler, typename... Arguments> void call(const Handler& handler, Arguments&&... arguments) {
+    if (handler)
+        handler(std::forward<Arguments>(arguments)...);
+}
+
+struct Info {
+    std::string version;
+    std::string deviceName;
+    std::string region;
+};
+
+} // namespace
+
+WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform, PowerFacts powerFacts)
+    : UpgradeInterface(std::move(powerFacts)), m_platform(std::move(platform)), m_record(nullptr) {
+    using enum UpgradeEvent;
+    for (const UpgradeEvent event : {UiEvent, ComEvent, UiAck, RequestClose, StartConfirm})
+        m_platform->openEvent(event);
+    m_record = m_platform->openRecord();
+    if (m_record != nullptr)
+        m_record->uiCommand = 0; // the one access without the mutex, which comes last
+    m_platform->openMutex();
+}
+
+WindowsUpgradeInterface::~WindowsUpgradeInterface() {
+    m_platform->endWait();
+    if (m_listener.get_id() == std::this_thread::get_id())
+        m_listener.detach(); // it touches nothing of this object any more
+    else if (m_listener.joinable())
+        m_listener.join();
+}
+
+void WindowsUpgradeInterface::start() {
+    if (!m_listener.joinable())
+        m_listener = std::thread(listen, m_platform, weak_from_this());
+}
+
+void WindowsUpgradeInterface::setDisplayHandler(DisplayHandler handler) { m_displayHandler = std::move(handler); }
+
+void WindowsUpgradeInterface::setProgressHandler(ProgressHandler handler) {
+    m_progressHandler = std::move(handler);
+}
+
+void WindowsUpgradeInterface::setPrinterInfoHandler(InfoHandler handler) {
+    m_printerInfoHandler = std::move(handler);
+}
+
+void WindowsUpgradeInterface::setPackageInfoHandler(InfoHandler handler) {
+    m_packageInfoHandler = std::move(handler);
+}
+
+void WindowsUpgradeInterface::setPackageSizeHandler(PackageSizeHandler handler) {
+    m_packageSizeHandler = std::move(handler);
+}
+
+void WindowsUpgradeInterface::setRepairAvailableHandler(RepairAvailableHandler handler) {
+    m_repairAvailableHandler = std::move(handler);
+}
+
+void WindowsUpgradeInterface::listen(const std::shared_ptr<UpgradePlatform>& platform,
+                                     const std::weak_ptr<WindowsUpgradeInterface>& link) {
+    while (const std::optional<UpgradeEvent> event = platform->waitForEvent()) {
+        // The reference lasts for this one event; it may turn out to be the last.
+        const std::shared_ptr<WindowsUpgradeInterface> self = link.lock();
+        if (!self)
+            return;
+        self->handleEvent(*event);
+    }
+}
+
+void WindowsUpgradeInterface::handleEvent(UpgradeEvent event) {
+    switch (event) {
+    case UpgradeEvent::UiEvent:
+        takeCodes();
+        break;
+    case UpgradeEvent::RequestClose:
+        handleMessage(MsgRequestClose);
+        m_platform->setEvent(UpgradeEvent::UiAck);
+        break;
+    case UpgradeEvent::StartConfirm:
+        m_platform->setEvent(UpgradeEvent::UiAck);
+        handleMessage(ProgressExtractingPkg);
+        break;
+    case UpgradeEvent::ComEvent:
+    case UpgradeEvent::UiAck:
+        break;
+    }
+}
+
+template <typename Read> auto WindowsUpgradeInterface::readRecord(Read read) {
+    const std::scoped_lock guard(*m_platform);
+    return read(std::as_const(*m_record));
+}
+
+void WindowsUpgradeInterface::takeCodes() {
+    if (m_record == nullptr)
+        return;
+    const std::uint8_t writeIndex = readRecord([](const auto& record) { return record.writeIndex; });
+    if (writeIndex >= kRingSlots)
+        return; // no slot of the ring: whoever wrote that did not mean it
+    // Fixed now: what is written meanwhile waits for the next signal.
+    const int codes = (writeIndex - m_readIndex + kRingSlots) % kRingSlots;
+    for (int taken = 0; taken < codes; ++taken) {
+        takeCode(readRecord([this](const auto& record) { return record.messageRing[m_readIndex]; }));
+        m_readIndex = static_cast<std::uint8_t>((m_readIndex + 1) % kRingSlots);
+    }
+}
+
+void WindowsUpgradeInterface::takeCode(std::uint8_t code) {
+    const std::scoped_lock step(m_stepLock);
+    deliverPayload(messageRule(code));
+    handleMessage(code);
+}
+
+void WindowsUpgradeInterface::deliverPayload(const MessageRule& rule) {
+    switch (rule.payload) {
+    case MessagePayload::None:
+        break;
+    case MessagePayload::PrinterInfo: {
+        auto [version, deviceName, region] = readRecord([](const auto& r) {
+            return Info{textOf(r.printerVersion), textOf(r.printerDeviceName), textOf(r.printerRegion)};
+        });
+        call(m_printerInfoHandler, std::move(version), std::move(deviceName), std::move(region));
+        break;
+    }
+    case MessagePayload::PackageInfo: {
+        auto [version, deviceName, region] = readRecord([](const auto& r) {
+            return Info{textOf(r.packageVersion), textOf(r.packageDeviceName), textOf(r.packageRegion)};
+        });
+        call(m_packageInfoHandler, std::move(version), std::move(deviceName), std::move(region));
+        break;
+    }
+    case MessagePayload::PackageSize:
+        call(m_packageSizeHandler, readRecord([](const auto& record) { return record.packageSize; }));
+        break;
+    }
+}
+
+void WindowsUpgradeInterface::handleMessage(std::uint8_t code) {
+    const std::scoped_lock step(m_stepLock);
+    const MessageRule& rule = messageRule(code);
+    switch (rule.effect) {
+    case MessageEffect::Nothing:
+        break;
+    case MessageEffect::Announce:
+        announce();
+        break;
+    case MessageEffect::Show:
+        show(rule.display);
+        break;
+    case MessageEffect::Progress:
+        m_currentDisplay = rule.display;
+        reportProgress(static_cast<UpgradeProgressMsg>(code));
+        announce();
+        break;
+    case MessageEffect::FileFound:
+        handleFileFound();
+        break;
+    case MessageEffect::LatchRepair:
+        m_repairLatched = true;
+        show(rule.display);
+        break;
+    }
+}
+
+void WindowsUpgradeInterface::handleFileFound() {
+    switch (m_currentDisplay) {
+    case DisplayIdle:
+        show(hasBattery() && !isACConnected() ? DisplayConnectACPower : DisplayFileFound);
+        return;
+    case DisplayConnectACPower:
+        show(DisplayFileFound);
+        return;
+    case DisplayFileCorrupted:
+    case DisplayFileIncompatible:
+    case DisplayFailed:
+    case DisplayFileNotFound:
+        if (m_repairLatched)
+            break;
+        reportProgress(UpgradeProgressMsg::ProgressInitiated);
+        show(DisplayFileFound);
+        return;
+    default:
+        break;
+    }
+    reportRepairAvailable(true);
+}
+
+void WindowsUpgradeInterface::sendUserAction(UserAction action) {
+    const std::scoped_lock step(m_stepLock);
+    switch (action) {
+    case UserAction::ActionUpgrade:
+        upgrade();
+        break;
+    case UserAction::ActionCancel:
+        send(CommandCancel);
+        break;
+    case UserAction::ActionRepair:
+        reportRepairAvailable(false);
+        upgrade();
+        break;
+    case UserAction::ActionOk:
+        dismiss();
+        break;
+    case UserAction::ActionOkNoReboot:
+        show(DisplayExitUi);
+        break;
+    case UserAction::ActionClose:
+        if (m_currentDisplay == DisplayFileFound || m_currentDisplay == DisplayConnectACPower)
+            send(CommandCancel);
+        else
+            dismiss();
+        break;
+    case UserAction::ActionReboot:
+        send(CommandProceed);
+        break;
+    case UserAction::ActionUiExiting:
+        send(CommandUiExiting);
+        break;
+    }
+}
+
+void WindowsUpgradeInterface::upgrade() {
+    show(DisplayInProgress);
+    send(CommandStartUpgrade);
+}
+
+void WindowsUpgradeInterface::dismiss() {
+    reportProgress(UpgradeProgressMsg::ProgressInitiated);
+    m_currentDisplay = DisplayIdle;
+    if (m_repairLatched)
+        m_currentDisplay = DisplaySysIntegrityFailed;
+    else
+        send(CommandProceed);
+    announce();
+}
+
+void WindowsUpgradeInterface::send(std::uint8_t command) {
+    if (m_record != nullptr) {
+        const std::scoped_lock guard(*m_platform);
+        m_record->uiCommand = command;
+    }
+    m_platform->setEvent(UpgradeEvent::ComEvent);
+}
+
+void WindowsUpgradeInterface::show(UpgradeDisplay display) {
+    m_currentDisplay = display;
+    announce();
+}
+
+void WindowsUpgradeInterface::announce() { call(m_displayHandler, m_currentDisplay); }
+
+void WindowsUpgradeInterface::reportProgress(UpgradeProgressMsg stage) { call(m_progressHandler, stage); }
+
+void WindowsUpgradeInterface::reportRepairAvailable(bool available) {
+    call(m_repairAvailableHandler, available);
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "app/UpgradeInterface.h"
+#include "app/UpgradePlatform.h"
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+struct UpgradeSharedRecord;
+struct MessageRule;
+
+/// The link over the shared record and its events: the ring, the display machine, the commands.
+///
+/// A thread of its own listens. Each handling step, with all that it announces, runs under m_stepLock, so that steps
+/// and announcements of several threads never interleave. The mutex of the record is taken inside a step for one
+/// group of reads or writes at a time, and never held across a handler.
+///
+/// Reached only through a shared pointer. The listener holds the link weakly while it waits, so the last reference
+/// can be dropped anywhere: on the listener itself it lets the thread go, elsewhere it ends and joins it.
+class WindowsUpgradeInterface final : public UpgradeInterface,
+                                      public std::enable_shared_from_this<WindowsUpgradeInterface> {
+public:
+    /// Opens the objects of @p platform and clears `uiCommand`. Thread: the first.
+    explicit WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform, PowerFacts powerFacts = {});
+    ~WindowsUpgradeInterface() override;
+
+    void start() override;
+    void sendUserAction(UserAction action) override;
+
+    void setDisplayHandler(DisplayHandler handler) override;
+    void setProgressHandler(ProgressHandler handler) override;
+    void setPrinterInfoHandler(InfoHandler handler) override;
+    void setPackageInfoHandler(InfoHandler handler) override;
+    void setPackageSizeHandler(PackageSizeHandler handler) override;
+    void setRepairAvailableHandler(RepairAvailableHandler handler) override;
+
+private:
+    static void listen(const std::shared_ptr<UpgradePlatform>& platform,
+                       const std::weak_ptr<WindowsUpgradeInterface>& link);
+
+    void handleEvent(UpgradeEvent event);
+    void takeCodes();
+    void takeCode(std::uint8_t code);
+    void handleMessage(std::uint8_t code);
+    void handleFileFound();
+
+    void deliverPayload(const MessageRule& rule);
+    void upgrade();
+    void dismiss();
+    void send(std::uint8_t command);
+    void show(UpgradeDisplay display);
+    void announce();
+    void reportProgress(UpgradeProgressMsg stage);
+    void reportRepairAvailable(bool available);
+
+    template <typename Read> auto readRecord(Read read);
+
+    std::shared_ptr<UpgradePlatform> m_platform;
+    UpgradeSharedRecord* m_record; // guarded by the mutex of m_platform; null if it could not be mapped
+    std::uint8_t m_readIndex = 0;  // the listener's own
+    std::thread m_listener;
+
+    std::recursive_mutex m_stepLock; // comes before the mutex of m_platform
+    UpgradeDisplay m_currentDisplay = UpgradeDisplay::DisplayIdle; // guarded by m_stepLock
+    bool m_repairLatched = false;                                  // guarded by m_stepLock
+
+    DisplayHandler m_displayHandler;
+    ProgressHandler m_progressHandler;
+    InfoHandler m_printerInfoHandler;
+    InfoHandler m_packageInfoHandler;
+    PackageSizeHandler m_packageSizeHandler;
+    RepairAvailableHandler m_repairAvailableHandler;
+};

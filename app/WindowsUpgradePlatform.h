@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/UpgradePlatform.h"
+#include "platform/os/EventWaiter.h"
+#include "platform/os/NamedEvent.h"
+#include "platform/os/NamedMemory.h"
+#include "platform/os/NamedMutex.h"
+
+#include <array>
+#include <optional>
+
+/// The link's objects as named objects of the operating system.
+class WindowsUpgradePlatform final : public UpgradePlatform {
+public:
+    void openEvent(UpgradeEvent event) override;
+    UpgradeSharedRecord* openRecord() override;
+    void openMutex() override;
+    std::optional<UpgradeEvent> waitForEvent() override;
+    void endWait() override;
+    void setEvent(UpgradeEvent event) override;
+    void lock() override;
+    void unlock() override;
+
+private:
+    std::array<os::NamedEvent, kUpgradeEvents> m_events;
+    std::optional<os::NamedMemory> m_record;
+    std::optional<os::NamedMutex> m_mutex;
+    os::EventWaiter m_waiter;
+};

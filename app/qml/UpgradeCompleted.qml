@@ -1,0 +1,64 @@
+import QtQuick 2.0
+import QtQml 2.2
+import KCControls 1.0
+
+Item {
+    id: screen
+
+    property string newVersion
+    property bool runTimer: false
+    readonly property int rowMargin: KCSize.sizedHeight(6, 12)
+
+    signal rebootNow()
+
+    KCPopupBodyText {
+        id: successText
+
+        objectName: "bodyText"
+        text: qsTr("Upgrade to Version %1 is successful!").arg(screen.newVersion)
+    }
+
+    KCProgressBar {
+        id: progressBar
+
+        objectName: "progressBar"
+        y: successText.y + successText.height + screen.rowMargin
+        value: 100
+    }
+
+    KCPopupBodyText {
+        objectName: "countdownText"
+        y: progressBar.y + progressBar.height + screen.rowMargin
+        text: qsTr("Printer will reboot in %1 seconds...").arg(countdownTimer.count)
+        keepAbove: rebootButton
+    }
+
+    KCButton {
+        id: rebootButton
+
+        objectName: "rebootButton"
+        width: KCSize.sizedWidth(98, 172)
+        fixedHeight: false
+        textToDisplay: qsTr("Reboot Now")
+        focus: screen.visible
+        onClicked: screen.rebootNow()
+        Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+        Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+    }
+
+    Timer {
+        id: countdownTimer
+
+        property int count: 15
+
+        objectName: "countdownTimer"
+        interval: 1000
+        repeat: true
+        running: screen.runTimer && count !== 0
+        onTriggered: {
+            count -= 1
+            if (count === 0)
+                screen.rebootNow()
+        }
+    }
+}

@@ -1,0 +1,27 @@
+import QtQuick 2.0
+import QtQml 2.2
+import KCControls 1.0
+
+Item {
+    id: screen
+
+    signal okPressed()
+
+    KCPopupBodyText {
+        objectName: "bodyText"
+        y: KCSize.sizedHeight(57, 85)
+        text: qsTr("Upgrade file is not compatible with device. Please check that you have a newer version and the correct region. Re-insert USB flash drive to try again.")
+        keepAbove: okButton
+    }
+
+    KCButton {
+        id: okButton
+
+        objectName: "okButton"
+        textToDisplay: qsTr("OK")
+        focus: screen.visible
+        onClicked: screen.okPressed()
+        Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+        Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+    }
+}

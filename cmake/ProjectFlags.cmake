@@ -1,0 +1,26 @@
+# The one place for warning, sanitizer and hardening flags. Every target of ours links `project_flags`.
+add_library(project_flags INTERFACE)
+target_compile_features(project_flags INTERFACE cxx_std_20)
+target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(project_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Werror
+    -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
+    -Wcast-align -Wformat=2 -Wnull-dereference -Wimplicit-fallthrough)
+
+if(UPGRADEUI_SANITIZERS)
+    target_compile_options(project_flags INTERFACE
+        -fsanitize=${UPGRADEUI_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_flags INTERFACE -fsanitize=${UPGRADEUI_SANITIZERS})
+    # The sanitizers' instrumentation makes this one see null pointers that are not there.
+    target_compile_options(project_flags INTERFACE -Wno-null-dereference)
+endif()
+
+set(hardening "$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${UPGRADEUI_SANITIZERS}>>>")
+target_compile_options(project_flags INTERFACE
+    "$<${hardening}:-fstack-protector-strong;-fstack-clash-protection>"
+    "$<${hardening}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-D_GLIBCXX_ASSERTIONS>"
+    "$<$<AND:${hardening},$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},x86_64>>:-fcf-protection>")
+target_link_options(project_flags INTERFACE "$<${hardening}:-Wl,-z,relro,-z,now,-z,noexecstack>")
+
+include(CheckPIESupported)
+check_pie_supported()

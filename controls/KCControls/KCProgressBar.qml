@@ -1,0 +1,33 @@
+import QtQuick 2.0
+import KCControls 1.0
+
+// A bar from 0 to 100. It draws the fraction of its value as it is and slides to each new value.
+Rectangle {
+    id: bar
+
+    property real value: 0
+    property real shownValue: Math.max(0, Math.min(value, 100))
+
+    x: KCStyle.margin
+    y: KCStyle.barTop
+    width: parent.width - 2 * KCStyle.margin
+    height: KCStyle.barHeight
+    radius: height / 2
+    color: KCStyle.barTrack
+
+    Accessible.role: Accessible.ProgressBar
+    Accessible.name: qsTr("%1%").arg(Math.floor(value))
+
+    Behavior on shownValue {
+        enabled: bar.visible
+
+        NumberAnimation { duration: KCStyle.slideDuration }
+    }
+
+    Rectangle {
+        width: bar.shownValue > 0 ? Math.max(height, bar.width * bar.shownValue / 100) : 0
+        height: bar.height
+        radius: bar.radius
+        color: KCStyle.accent
+    }
+}

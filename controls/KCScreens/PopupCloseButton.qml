@@ -1,0 +1,42 @@
+import QtQuick 2.0
+import KCControls 1.0
+
+// The cross in the popup's header. The whole square takes the touch.
+Item {
+    id: button
+
+    signal clicked()
+
+    Accessible.role: Accessible.Button
+    Accessible.name: qsTr("Close")
+    Accessible.onPressAction: if (enabled) clicked()
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: KCStyle.radius
+        radius: KCStyle.radius
+        color: KCStyle.buttonPressed
+        visible: touchArea.pressed && touchArea.containsMouse
+    }
+
+    Repeater {
+        model: [45, -45]
+
+        Rectangle {
+            anchors.centerIn: parent
+            width: KCStyle.closeCrossSize
+            height: KCStyle.closeCrossThickness
+            radius: height / 2
+            rotation: modelData
+            antialiasing: true
+            color: button.enabled ? KCStyle.text : KCStyle.line
+        }
+    }
+
+    MouseArea {
+        id: touchArea
+
+        anchors.fill: parent
+        onClicked: button.clicked()
+    }
+}

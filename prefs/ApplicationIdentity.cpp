@@ -1,0 +1,6 @@
+#include "prefs/ApplicationIdentity.h"
+
+ApplicationIdentity& ApplicationIdentity::instance() {
+    static ApplicationIdentity identity;
+    return identity;
+}

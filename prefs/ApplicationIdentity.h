@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// Who this program is, and the fixed facts of the printer it runs on. One object in the process, from its first
+/// use to the end.
+///
+/// The three names are set once, by the main function, before another thread exists; after that everything here is
+/// read-only and safe to call from any thread. Folders are spelled as the printer spells them: os::hostPath() maps
+/// them where they are handed to the host.
+class ApplicationIdentity {
+public:
+    /// Returns the one object. Requires: the first call comes before any other thread exists.
+    static ApplicationIdentity& instance();
+
+    [[nodiscard]] std::string applicationName() const { return m_applicationName; }
+    [[nodiscard]] std::string componentGuid() const { return m_componentGuid; }
+    [[nodiscard]] std::string componentName() const { return m_componentName; }
+
+    void setApplicationName(std::string name) { m_applicationName = std::move(name); }
+    void setComponentGuid(std::string guid) { m_componentGuid = std::move(guid); }
+    void setComponentName(std::string name) { m_componentName = std::move(name); }
+
+    /// Returns how long the first value of another program's property is waited for, in milliseconds.
+    [[nodiscard]] std::uint32_t externalPropertyTimeout() const { return m_externalPropertyTimeout; }
+
+    [[nodiscard]] bool runsOnPrinter() const { return true; }
+    [[nodiscard]] std::wstring streamDevicePath() const { return L"PRN0:"; }
+    [[nodiscard]] std::wstring bootFolder() const { return L"/boot"; }
+    [[nodiscard]] std::wstring storeFolder() const { return L"/store"; }
+    [[nodiscard]] std::wstring hardDiskFolder() const { return L"/hard disk"; }
+    [[nodiscard]] std::wstring qtRootFolder() const { return hardDiskFolder(); }
+    [[nodiscard]] std::wstring bootFontsFolder() const { return L"/boot/fonts/"; }
+
+    /// Returns a folder relative to the program's.
+    [[nodiscard]] std::wstring localFontsFolder() const { return L"fonts/"; }
+
+    /// Returns how the names of the folders of control libraries begin.
+    [[nodiscard]] std::wstring controlsPrefix() const { return L"KC"; }
+
+private:
+    ApplicationIdentity() = default;
+
+    std::string m_applicationName;
+    std::string m_componentGuid;
+    std::string m_componentName;
+    std::uint32_t m_externalPropertyTimeout = 3000;
+};
