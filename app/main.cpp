@@ -4,6 +4,7 @@
 
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QQuickWindow>
 #include <QUrl>
 
 namespace {
@@ -28,6 +29,8 @@ int main(int argc, char* argv[]) {
     QGuiApplication application(argc, argv);
     // Between two screens no window is open; only the upgrade ends the program.
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    // A calm popup needs no graphics hardware, and a printer may have none: OpenGL that fails ends the program.
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     registerFirstFont();
 
     KQUpgradeApp upgradeApp;

@@ -34,12 +34,23 @@ Rectangle {
     Accessible.focusable: true
     Accessible.onPressAction: if (enabled) clicked()
 
+    // Measures, so that a label wraps between its words and shrinks only where one word is too long for the button.
+    Text {
+        id: longestWord
+
+        visible: false
+        text: button.textToDisplay.replace(/\s+/g, "\n")
+        font.pointSize: KCStyle.buttonPointSize
+        textFormat: Text.PlainText
+        renderType: Text.NativeRendering
+    }
+
     Text {
         id: label
 
         anchors.centerIn: parent
         width: parent.width - 2 * KCStyle.buttonPadding
-        height: button.fixedHeight ? parent.height - KCStyle.buttonPadding : undefined
+        height: parent.height - 2 * KCStyle.lineWidth
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         text: button.textToDisplay
@@ -48,10 +59,15 @@ Rectangle {
                 return KCStyle.textDisabled
             return button.focus ? KCStyle.textOnAccent : KCStyle.accent
         }
-        font.pointSize: KCStyle.buttonPointSize
+        font.pointSize: {
+            if (longestWord.implicitWidth <= width)
+                return KCStyle.buttonPointSize
+            var share = KCStyle.fontScalingSlack * width / longestWord.implicitWidth
+            return Math.max(Math.floor(KCStyle.buttonPointSize * share), KCStyle.smallestPointSize)
+        }
         minimumPointSize: KCStyle.smallestPointSize
-        fontSizeMode: Text.Fit
-        wrapMode: Text.WordWrap
+        fontSizeMode: button.fixedHeight ? Text.VerticalFit : Text.FixedSize
+        wrapMode: Text.Wrap
         textFormat: Text.PlainText
         renderType: Text.NativeRendering
     }

@@ -12,11 +12,11 @@ Rectangle {
     y: KCStyle.barTop
     width: parent.width - 2 * KCStyle.margin
     height: KCStyle.barHeight
-    radius: height / 2
+    radius: KCStyle.radius
     color: KCStyle.barTrack
 
     Accessible.role: Accessible.ProgressBar
-    Accessible.name: qsTr("%1%").arg(Math.floor(value))
+    Accessible.name: qsTr("Progress: %1%").arg(Math.floor(value))
 
     Behavior on shownValue {
         enabled: bar.visible
@@ -25,7 +25,7 @@ Rectangle {
     }
 
     Rectangle {
-        width: bar.shownValue > 0 ? Math.max(height, bar.width * bar.shownValue / 100) : 0
+        width: bar.width * bar.shownValue / 100
         height: bar.height
         radius: bar.radius
         color: KCStyle.accent

@@ -26,7 +26,7 @@ QtObject {
     readonly property int popupWidth: KCSize.sizedWidth(456, 640)
     readonly property int popupHeight: KCSize.sizedHeight(248, 400)
     readonly property int headerHeight: KCSize.sizedHeight(44, 60)
-    readonly property int headerTextPadding: KCSize.sizedHeight(2, 4)
+    readonly property int headerTextPadding: KCSize.sizedHeight(4, 6)
     readonly property int iconSize: KCSize.sizedHeight(24, 34)
     readonly property int closeCrossSize: KCSize.sizedHeight(16, 22)
     readonly property int closeCrossThickness: KCSize.sizedHeight(2, 3)
@@ -44,9 +44,11 @@ QtObject {
     readonly property int barHeight: KCSize.sizedHeight(14, 22)
 
     readonly property int titlePointSize: KCSize.sizedHeight(12, 18)
-    readonly property int bodyPointSize: KCSize.sizedHeight(10, 15)
-    readonly property int buttonPointSize: KCSize.sizedHeight(10, 15)
+    readonly property int bodyPointSize: KCSize.sizedHeight(10, 16)
+    readonly property int buttonPointSize: KCSize.sizedHeight(10, 16)
     readonly property int smallestPointSize: KCSize.sizedHeight(6, 9)
+    // Glyphs are as wide as whole pixels, so a smaller font is not quite as much narrower.
+    readonly property real fontScalingSlack: 0.9
 
     readonly property int slideDuration: 250
 }

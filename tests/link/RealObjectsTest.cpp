@@ -1,0 +1,118 @@
+#include "app/UpgradeInterface.h"
+#include "app/UpgradeMessage.h"
+
+#include "tests/support/DeviceRootTest.h"
+#include "tools/upgrader/UpgraderLink.h"
+
+#include <atomic>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// The application's link and an upgrader's over the same named objects.
+class RealObjects : public DeviceRootTest {
+protected:
+    void startUpgrader() {
+        std::string why;
+        upgrader.reset(); // before the new one looks whether the record is in use
+        upgrader = UpgraderLink::create(why);
+        ASSERT_NE(upgrader, nullptr) << why;
+    }
+
+    void startApplication() {
+        application = createUpgradeInterface();
+        application->setDisplayHandler([this](UpgradeDisplay display) {
+            const std::scoped_lock guard(m_lock);
+            m_displays.push_back(static_cast<int>(display));
+        });
+        application->start();
+    }
+
+    std::vector<int> displays() {
+        const std::scoped_lock guard(m_lock);
+        return m_displays;
+    }
+
+    bool shows(std::vector<int> expected) {
+        return eventually([&] { return displays() == expected; });
+    }
+
+    std::unique_ptr<UpgraderLink> upgrader;
+    std::shared_ptr<UpgradeInterface> application;
+
+private:
+    std::mutex m_lock;
+    std::vector<int> m_displays; // guarded by m_lock
+};
+
+TEST_F(RealObjects, CodesCommandsAndAcknowledgementsCross) {
+    startUpgrader();
+    startApplication();
+    ASSERT_TRUE(upgrader->send(MsgFileFound, kDeadline));
+    EXPECT_TRUE(shows({0}));
+    application->sendUserAction(UserAction::ActionUpgrade);
+    const auto command = upgrader->awaitReply(kDeadline);
+    ASSERT_TRUE(command);
+    EXPECT_EQ(command->command, CommandStartUpgrade);
+
+    upgrader->requestClose();
+    const auto answer = upgrader->awaitReply(kDeadline);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->kind, UpgraderReply::Kind::Acknowledgement);
+    EXPECT_EQ(displays(), (std::vector{0, 1, 12})) << "told before the acknowledgement";
+    EXPECT_FALSE(upgrader->awaitReply(1ms));
+}
+
+TEST_F(RealObjects, AnUpgraderNeverOverrunsTheRing) {
+    startUpgrader();
+    const std::vector<std::uint8_t> many(200, MsgFailed);
+    EXPECT_FALSE(upgrader->send(many, 10ms)) << "24 fit, and nobody takes them";
+    startApplication();
+    EXPECT_TRUE(upgrader->awaitTaken(kDeadline));
+    EXPECT_EQ(displays().size(), 24U);
+    EXPECT_TRUE(upgrader->send(many, kDeadline));
+    EXPECT_TRUE(upgrader->awaitTaken(kDeadline));
+    EXPECT_EQ(displays().size(), 224U);
+}
+
+TEST_F(RealObjects, ARestartedUpgraderFindsTheSameConversation) {
+    startUpgrader();
+    startApplication();
+    ASSERT_TRUE(upgrader->send(std::vector<std::uint8_t>{MsgFailed, MsgCompleted}, kDeadline));
+    ASSERT_TRUE(shows({5, 2}));
+    startUpgrader();
+    ASSERT_TRUE(upgrader->send(MsgFileCorrupted, kDeadline));
+    EXPECT_TRUE(shows({5, 2, 3}));
+}
+
+TEST_F(RealObjects, ARecordThatNobodyHasOpenStartsAnew) {
+    startUpgrader();
+    ASSERT_TRUE(upgrader->send(MsgExitUi, kDeadline));
+    startUpgrader();
+    startApplication();
+    ASSERT_TRUE(upgrader->send(MsgFailed, kDeadline));
+    EXPECT_TRUE(shows({5})) << "not what the upgrader before had to say";
+}
+
+TEST_F(RealObjects, WithoutAnyEventTheLinkIsSilentAndEnds) {
+    startApplication();
+    application->sendUserAction(UserAction::ActionReboot);
+    application.reset();
+    EXPECT_TRUE(displays().empty());
+}
+
+TEST_F(RealObjects, LinksComeAndGoUnderFire) {
+    startUpgrader();
+    for (int round = 0; round < 100; ++round) {
+        startApplication();
+        ASSERT_TRUE(upgrader->send(std::vector<std::uint8_t>{7, 8, 13}, kDeadline));
+        application->sendUserAction(UserAction::ActionOk);
+        application.reset();
+        startUpgrader();
+    }
+}
+
+} // namespace

@@ -1,0 +1,179 @@
+#include "tests/support/DeviceRootTest.h"
+
+#include "platform/os/EventWaiter.h"
+#include "platform/os/InstanceLock.h"
+#include "platform/os/NamedEvent.h"
+#include "platform/os/NamedMemory.h"
+#include "platform/os/NamedMutex.h"
+#include "platform/os/NamedObjectFolder.h"
+
+#include <array>
+#include <atomic>
+#include <fstream>
+#include <sys/stat.h>
+#include <thread>
+
+namespace {
+
+using os::EventRight;
+using os::EventWaiter;
+using os::NamedEvent;
+using Outcome = os::EventWaiter::Outcome;
+using namespace std::chrono_literals;
+
+class NamedObject : public DeviceRootTest {
+protected:
+    static NamedEvent made(std::string_view name, EventRight right) {
+        std::error_code why;
+        NamedEvent event = NamedEvent::create(name, right, why);
+        EXPECT_FALSE(why) << why.message();
+        return event;
+    }
+    static mode_t modeOf(const std::filesystem::path& path) {
+        struct stat status {};
+        EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+        return status.st_mode & 07777U;
+    }
+};
+
+TEST_F(NamedObject, OpeningNeverMakesAnEventAndTakesNothingElseForOne) {
+    EXPECT_FALSE(NamedEvent::open("absent", EventRight::Set).isPresent());
+    ASSERT_FALSE(os::makeNamedObjectFolder());
+    EXPECT_FALSE(NamedEvent::open("absent", EventRight::Set).isPresent());
+    EXPECT_FALSE(std::filesystem::exists(objectFile("absent")));
+    std::ofstream(objectFile("file")) << "x";
+    EXPECT_FALSE(NamedEvent::open("file", EventRight::Set).isPresent());
+    EXPECT_FALSE(NamedEvent::open("../upgrade/file", EventRight::Set).isPresent());
+    EXPECT_FALSE(NamedEvent().set());
+}
+
+TEST_F(NamedObject, StandUnderTheirOwnNamesForWhoMayOpenTheFolder) {
+    const mode_t before = ::umask(077);
+    made(R"(Global\AN_EVENT)", EventRight::Wait);
+    const os::NamedMutex mutex(R"(Global\A_MUTEX)");
+    const os::NamedMemory memory(R"(Global\A_MEMORY)", 336);
+    ::umask(before);
+    EXPECT_EQ(modeOf(root() / "run/upgrade"), 0770U);
+    for (const char* name : {R"(Global\AN_EVENT)", R"(Global\A_MUTEX)", R"(Global\A_MEMORY)"})
+        EXPECT_EQ(modeOf(root() / "run/upgrade" / name), 0660U) << name;
+}
+
+TEST_F(NamedObject, AnEventRefusesWhatItWasNotOpenedFor) {
+    NamedEvent setter = made("event", EventRight::Set);
+    NamedEvent waiter = NamedEvent::open("event", EventRight::Wait);
+    EXPECT_FALSE(waiter.set());
+    EXPECT_FALSE(setter.isSet());
+    EXPECT_TRUE(setter.set());
+    const std::array<const NamedEvent*, 1> notForWaiting{&setter};
+    EXPECT_EQ(EventWaiter().wait(notForWaiting, 1ms).outcome, Outcome::TimedOut);
+}
+
+TEST_F(NamedObject, AnEventSetTwiceSatisfiesOneWaitAlsoWhenThePipeIsFull) {
+    NamedEvent setter = made("event", EventRight::Set);
+    NamedEvent waiter = NamedEvent::open("event", EventRight::Wait);
+    EventWaiter wait;
+    const std::array<const NamedEvent*, 1> events{&waiter};
+    for (const int times : {2, 4096, 4097, 100'000}) {
+        for (int i = 0; i < times; ++i)
+            ASSERT_TRUE(setter.set());
+        EXPECT_EQ(wait.wait(events, kDeadline).outcome, Outcome::Signalled) << times;
+        EXPECT_EQ(wait.wait(events, 0ms).outcome, Outcome::TimedOut) << times;
+    }
+}
+
+TEST_F(NamedObject, TheLowestSetEventComesFirstAndAbsentOnesArePassedOver) {
+    NamedEvent first = made("first", EventRight::Set);
+    NamedEvent second = made("second", EventRight::Set);
+    const NamedEvent absent;
+    const NamedEvent firstWaiter = NamedEvent::open("first", EventRight::Wait);
+    const NamedEvent secondWaiter = NamedEvent::open("second", EventRight::Wait);
+    const std::array<const NamedEvent*, 3> events{&absent, &firstWaiter, &secondWaiter};
+    second.set();
+    first.set();
+    EventWaiter wait;
+    EXPECT_EQ(wait.wait(events, kDeadline).index, 1U);
+    EXPECT_EQ(wait.wait(events, kDeadline).index, 2U);
+    EXPECT_EQ(wait.wait(events, 0ms).outcome, Outcome::TimedOut);
+}
+
+TEST_F(NamedObject, AWaitEndsForGoodFromAnotherThreadAlsoWithoutAnyEvent) {
+    const NamedEvent absent;
+    const std::array<const NamedEvent*, 1> events{&absent};
+    EventWaiter wait;
+    std::atomic<int> ended = 0;
+    std::thread waiting([&] {
+        for (int i = 0; i < 2; ++i)
+            ended += wait.wait(events).outcome == Outcome::Ended ? 1 : 0;
+    });
+    wait.end();
+    waiting.join();
+    EXPECT_EQ(ended, 2);
+}
+
+TEST_F(NamedObject, AnEventIsInUseWhileAnyoneHasItOpen) {
+    {
+        const NamedEvent event = made("event", EventRight::Wait);
+        EXPECT_TRUE(NamedEvent::isInUse("event"));
+    }
+    EXPECT_FALSE(NamedEvent::isInUse("event"));
+    EXPECT_FALSE(NamedEvent::isInUse("absent"));
+}
+
+TEST_F(NamedObject, MemoryStartsAsZerosAndIsShared) {
+    ASSERT_FALSE(os::makeNamedObjectFolder());
+    std::ofstream{objectFile("empty")};
+    for (const char* name : {"absent", "empty"}) {
+        const os::NamedMemory one(name, 336);
+        const os::NamedMemory other(name, 336);
+        ASSERT_NE(one.data(), nullptr) << name;
+        ASSERT_NE(other.data(), nullptr) << name;
+        EXPECT_EQ(std::filesystem::file_size(objectFile(name)), 336U);
+        EXPECT_EQ(static_cast<char*>(other.data())[335], 0);
+        static_cast<char*>(one.data())[335] = 'x';
+        EXPECT_EQ(static_cast<char*>(other.data())[335], 'x');
+    }
+}
+
+TEST_F(NamedObject, MemoryOfAnotherSizeIsLeftAlone) {
+    ASSERT_FALSE(os::makeNamedObjectFolder());
+    std::ofstream(objectFile("other")) << "not 336 bytes";
+    const os::NamedMemory memory("other", 336);
+    EXPECT_EQ(memory.data(), nullptr);
+    EXPECT_TRUE(memory.failure());
+    EXPECT_EQ(std::filesystem::file_size(objectFile("other")), 13U);
+}
+
+TEST_F(NamedObject, TheMutexExcludesThreadsAndOtherHolders) {
+    os::NamedMutex one("mutex");
+    os::NamedMutex other("mutex");
+    std::array<os::NamedMutex*, 4> holders{&one, &one, &other, &other};
+    std::array<std::thread, 4> threads;
+    std::atomic<int> most = 0;
+    std::atomic<int> now = 0;
+    for (std::size_t i = 0; i < threads.size(); ++i) {
+        threads[i] = std::thread([&, i] {
+            for (int round = 0; round < 200; ++round) {
+                const std::scoped_lock guard(*holders[i]);
+                most = std::max(most.load(), ++now);
+                --now;
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(most, 1);
+}
+
+TEST_F(NamedObject, OneInstanceHoldsThePlaceUntilItEnds) {
+    {
+        const os::InstanceLock first("program");
+        EXPECT_FALSE(first.isHeldByAnother());
+        EXPECT_TRUE(os::InstanceLock("program").isHeldByAnother());
+        EXPECT_FALSE(os::InstanceLock("another").isHeldByAnother());
+    }
+    EXPECT_FALSE(os::InstanceLock("program").isHeldByAnother());
+    std::filesystem::remove_all(root());
+    EXPECT_FALSE(os::InstanceLock("program").isHeldByAnother()) << "no folder to hold a place in";
+}
+
+} // namespace

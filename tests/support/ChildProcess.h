@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+/// A program that a test has started; killed at the end if it still runs.
+class ChildProcess {
+public:
+    /// Starts @p arguments, the first being the program, with both its outputs in @p outputFile.
+    ChildProcess(const std::vector<std::string>& arguments, const std::filesystem::path& outputFile);
+    ~ChildProcess();
+
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// Returns the exit status, or nothing if the program has not ended by itself within the deadline.
+    std::optional<int> exitStatus(std::chrono::milliseconds deadline);
+
+    [[nodiscard]] bool isRunning();
+    void kill();
+
+    /// Returns how often the threads of the program have been given a processor so far; 0 if that cannot be told.
+    [[nodiscard]] long contextSwitches() const;
+
+private:
+    pid_t m_pid = -1;
+    std::optional<int> m_status;
+};

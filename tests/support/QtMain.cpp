@@ -1,0 +1,12 @@
+#include <QGuiApplication>
+#include <QQuickWindow>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char* argv[]) {
+    ::testing::InitGoogleTest(&argc, argv);
+    QGuiApplication application(argc, argv);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    return RUN_ALL_TESTS();
+}
