@@ -5,14 +5,12 @@ target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}")
 target_compile_options(project_flags INTERFACE
     -Wall -Wextra -Wpedantic -Werror
     -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
-    -Wcast-align -Wformat=2 -Wnull-dereference -Wimplicit-fallthrough)
+    -Wcast-align -Wformat=2 -Wimplicit-fallthrough)
 
 if(UPGRADEUI_SANITIZERS)
     target_compile_options(project_flags INTERFACE
         -fsanitize=${UPGRADEUI_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_flags INTERFACE -fsanitize=${UPGRADEUI_SANITIZERS})
-    # The sanitizers' instrumentation makes this one see null pointers that are not there.
-    target_compile_options(project_flags INTERFACE -Wno-null-dereference)
 endif()
 
 set(hardening "$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${UPGRADEUI_SANITIZERS}>>>")
