@@ -7,6 +7,11 @@ target_compile_options(project_flags INTERFACE
     -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual
     -Wcast-align -Wformat=2 -Wimplicit-fallthrough)
 
+# GCC 12 sees overlapping copies inside std::string that are not there (GCC bug 105329).
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(project_flags INTERFACE -Wno-restrict)
+endif()
+
 if(UPGRADEUI_SANITIZERS)
     target_compile_options(project_flags INTERFACE
         -fsanitize=${UPGRADEUI_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)

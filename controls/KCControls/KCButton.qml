@@ -20,7 +20,11 @@ Rectangle {
                         : Math.max(KCStyle.buttonHeight, label.contentHeight + 2 * KCStyle.buttonPadding)
     radius: KCStyle.radius
     border.width: KCStyle.lineWidth
-    border.color: enabled ? KCStyle.accent : KCStyle.line
+    border.color: {
+        if (!enabled)
+            return KCStyle.line
+        return focus ? color : KCStyle.accent
+    }
     color: {
         if (!enabled)
             return KCStyle.buttonDisabled

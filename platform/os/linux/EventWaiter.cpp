@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cstdint>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -85,8 +84,7 @@ EventWaiter::Result EventWaiter::wait(std::span<const NamedEvent* const> events,
 }
 
 void EventWaiter::end() {
-    const std::uint64_t once = 1;
-    static_cast<void>(::write(m_wakeUp.value(), &once, sizeof once)); // full only if it is ended already
+    static_cast<void>(::eventfd_write(m_wakeUp.value(), 1)); // full only if it is ended already
 }
 
 } // namespace os

@@ -1,0 +1,162 @@
+#include "RatioReporter.h"
+#include "TemporaryRoot.h"
+
+#include "app/UpgradeMessage.h"
+#include "tools/upgrader/UpgraderLink.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
+
+constexpr int kStarts = 5;
+constexpr int kRepetitions = 7;
+constexpr double kKilobytesInMegabyte = 1024;
+
+std::filesystem::path programFolder() { return std::filesystem::canonical("/proc/self/exe").parent_path(); }
+
+/// A started program; standard output is the write end of the given pipe if there is one.
+class Program {
+public:
+    Program(const std::filesystem::path& path, int output) {
+        posix_spawn_file_actions_t files;
+        ::posix_spawn_file_actions_init(&files);
+        if (output >= 0)
+            ::posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
+        std::string name = path.string();
+        char* argv[] = {name.data(), nullptr};
+        const int result = ::posix_spawn(&m_pid, name.c_str(), &files, nullptr, argv, environ);
+        ::posix_spawn_file_actions_destroy(&files);
+        if (result != 0)
+            throw std::runtime_error("cannot start " + name);
+    }
+
+    /// Waits for the end. Returns the most memory that the program had, in MB.
+    double peakMemory() const {
+        rusage usage{};
+        int status = 0;
+        if (::wait4(m_pid, &status, 0, &usage) != m_pid || status != 0)
+            throw std::runtime_error("a measured program failed");
+        return static_cast<double>(usage.ru_maxrss) / kKilobytesInMegabyte;
+    }
+
+
+private:
+    pid_t m_pid = -1;
+};
+
+void minimalQtQuick(benchmark::State& state) {
+    int ready[2];
+    if (::pipe2(ready, O_CLOEXEC) != 0)
+        throw std::runtime_error("no pipe");
+    double memory = 0;
+    for (auto _ : state) {
+        const Clock::time_point start = Clock::now();
+        const Program program(programFolder() / "minimal_quick", ready[1]);
+        char byte = 0;
+        if (::read(ready[0], &byte, 1) != 1)
+            throw std::runtime_error("the minimal program does not get ready");
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        memory = std::max(memory, program.peakMemory());
+    }
+    state.counters["MB"] = memory;
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+/// The application beside a device root of its own.
+class Application {
+public:
+    Application() {
+        std::filesystem::copy_file(programFolder() / "UpgradeUI", m_root.path() / "UpgradeUI");
+        std::filesystem::create_directory(m_root.path() / "printer");
+        std::filesystem::create_symlink(programFolder() / "printer/hard disk", m_root.path() / "printer/hard disk");
+        os::setDeviceRoot((m_root.path() / "printer").string());
+    }
+
+    Program start() const { return {m_root.path() / "UpgradeUI", -1}; }
+
+    /// Returns an upgrader that found no application.
+    static std::unique_ptr<UpgraderLink> upgrader() {
+        std::string why;
+        auto link = UpgraderLink::create(why);
+        if (!link)
+            throw std::runtime_error(why);
+        return link;
+    }
+
+private:
+    TemporaryRoot m_root;
+};
+
+void awaitExiting(UpgraderLink& upgrader) {
+    while (const auto reply = upgrader.awaitReply(30s)) {
+        if (reply->kind == UpgraderReply::Kind::Command && reply->command == CommandUiExiting)
+            return;
+    }
+    throw std::runtime_error("the application does not answer");
+}
+
+// An exit that waits in the ring is answered as soon as the listener has taken it and the root file is loaded.
+void upgradeUiStart(benchmark::State& state) {
+    const Application application;
+    double memory = 0;
+    for (auto _ : state) {
+        const auto upgrader = Application::upgrader();
+        benchmark::DoNotOptimize(upgrader->send(MsgExitUi, 1s));
+        const Clock::time_point start = Clock::now();
+        const Program program = application.start();
+        awaitExiting(*upgrader);
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        memory = std::max(memory, program.peakMemory());
+    }
+    state.counters["MB"] = memory;
+}
+
+// With a screen that has been drawn.
+void upgradeUiShown(benchmark::State& state) {
+    const Application application;
+    double memory = 0;
+    for (auto _ : state) {
+        const auto upgrader = Application::upgrader();
+        const Clock::time_point start = Clock::now();
+        const Program program = application.start();
+        for (const std::uint8_t code : {MsgFileFound, ProgressInitiated, ProgressExtractPkgTemp, MsgFailed}) {
+            if (!upgrader->send(code, 10s) || !upgrader->awaitTaken(10s))
+                throw std::runtime_error("the application does not take its codes");
+            std::this_thread::sleep_for(200ms); // for the screen to be drawn
+        }
+        benchmark::DoNotOptimize(upgrader->send(MsgExitUi, 1s));
+        awaitExiting(*upgrader);
+        state.SetIterationTime(std::chrono::duration<double>(Clock::now() - start).count());
+        memory = std::max(memory, program.peakMemory());
+    }
+    state.counters["MB"] = memory;
+}
+
+BENCHMARK(minimalQtQuick)->UseManualTime()->Iterations(kStarts)->Repetitions(kRepetitions)->Unit(benchmark::kMillisecond);
+BENCHMARK(upgradeUiStart)->UseManualTime()->Iterations(kStarts)->Repetitions(kRepetitions)->Unit(benchmark::kMillisecond);
+BENCHMARK(upgradeUiShown)->UseManualTime()->Iterations(1)->Repetitions(kRepetitions)->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    // NOLINTBEGIN(concurrency-mt-unsafe): there is no other thread yet
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::setenv("XDG_RUNTIME_DIR", "/tmp", 0);
+    // NOLINTEND(concurrency-mt-unsafe)
+    using Kind = Comparison::Kind;
+    return runAndCompare(argc, argv,
+                         {{"upgradeUiStart", "minimalQtQuick", 1.5},
+                          {"upgradeUiStart", "minimalQtQuick", 8, Kind::CounterDifference, "MB"},
+                          {"upgradeUiShown", "minimalQtQuick", 8, Kind::CounterDifference, "MB"}});
+}
