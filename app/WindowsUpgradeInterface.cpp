@@ -111,13 +111,13 @@ template <typename Read> auto WindowsUpgradeInterface::readRecord(Read read) {
 void WindowsUpgradeInterface::takeCodes() {
     if (m_record == nullptr)
         return;
-    const std::uint8_t writeIndex = readRecord([](const auto& record) { return record.writeIndex; });
+    // One look for the whole step: what is written from here on waits for the next signal.
+    const auto [writeIndex, ring] = readRecord(
+        [](const auto& record) { return std::pair(record.writeIndex, record.messageRing); });
     if (writeIndex >= kRingSlots)
         return; // no slot of the ring: whoever wrote that did not mean it
-    // Fixed now: what is written meanwhile waits for the next signal.
-    const int codes = (writeIndex - m_readIndex + kRingSlots) % kRingSlots;
-    for (int taken = 0; taken < codes; ++taken) {
-        takeCode(readRecord([this](const auto& record) { return record.messageRing[m_readIndex]; }));
+    while (m_readIndex != writeIndex) {
+        takeCode(ring[m_readIndex]);
         m_readIndex = static_cast<std::uint8_t>((m_readIndex + 1) % kRingSlots);
     }
 }

@@ -11,8 +11,11 @@ std::size_t indexOf(UpgradeEvent event) { return static_cast<std::size_t>(event)
 } // namespace
 
 void WindowsUpgradePlatform::openEvent(UpgradeEvent event) {
-    const auto right = indexOf(event) < kWaitedEvents ? os::EventRight::Wait : os::EventRight::Set;
-    m_events[indexOf(event)] = os::NamedEvent::open(eventName(event), right);
+    const bool waits = indexOf(event) < kWaitedEvents;
+    os::NamedEvent& place = m_events[indexOf(event)];
+    place = os::NamedEvent::open(eventName(event), waits ? os::EventRight::Wait : os::EventRight::Set);
+    if (waits)
+        m_waiter.watch(place, indexOf(event));
 }
 
 UpgradeSharedRecord* WindowsUpgradePlatform::openRecord() {
@@ -23,8 +26,7 @@ UpgradeSharedRecord* WindowsUpgradePlatform::openRecord() {
 void WindowsUpgradePlatform::openMutex() { m_mutex.emplace(kUpgradeMutexName); }
 
 std::optional<UpgradeEvent> WindowsUpgradePlatform::waitForEvent() {
-    const std::array<const os::NamedEvent*, kWaitedEvents> waited{&m_events[0], &m_events[1], &m_events[2]};
-    const os::EventWaiter::Result result = m_waiter.wait(waited);
+    const os::EventWaiter::Result result = m_waiter.wait();
     if (result.outcome != os::EventWaiter::Outcome::Signalled)
         return {};
     return static_cast<UpgradeEvent>(result.index);

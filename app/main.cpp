@@ -26,6 +26,8 @@ int main(int argc, char* argv[]) {
 
     KQApp::initialise("UpgradeUI", "38D1431E-6153-4773-8A5C-7BCA173263F7", "Upgrade UI");
 
+    // The screens are laid out for the pixels of known displays, so a point has one size on all of them.
+    QGuiApplication::setAttribute(Qt::AA_Use96Dpi);
     QGuiApplication application(argc, argv);
     // Between two screens no window is open; only the upgrade ends the program.
     QGuiApplication::setQuitOnLastWindowClosed(false);

@@ -73,9 +73,14 @@ void minimalQtQuick(benchmark::State& state) {
     ::close(ready[1]);
 }
 
-/// The application beside a device root of its own.
+/// The application beside a device root of its own: one for all runs, as an installed program has one place.
 class Application {
 public:
+    static const Application& installed() {
+        static const Application application;
+        return application;
+    }
+
     Application() {
         std::filesystem::copy_file(programFolder() / "UpgradeUI", m_root.path() / "UpgradeUI");
         std::filesystem::create_directory(m_root.path() / "printer");
@@ -108,7 +113,7 @@ void awaitExiting(UpgraderLink& upgrader) {
 
 // An exit that waits in the ring is answered as soon as the listener has taken it and the root file is loaded.
 void upgradeUiStart(benchmark::State& state) {
-    const Application application;
+    const Application& application = Application::installed();
     double memory = 0;
     for (auto _ : state) {
         const auto upgrader = Application::upgrader();
@@ -124,7 +129,7 @@ void upgradeUiStart(benchmark::State& state) {
 
 // With a screen that has been drawn.
 void upgradeUiShown(benchmark::State& state) {
-    const Application application;
+    const Application& application = Application::installed();
     double memory = 0;
     for (auto _ : state) {
         const auto upgrader = Application::upgrader();
@@ -150,9 +155,11 @@ BENCHMARK(upgradeUiShown)->UseManualTime()->Iterations(1)->Repetitions(kRepetiti
 } // namespace
 
 int main(int argc, char* argv[]) {
+    const TemporaryRoot runtimeFolder;
     // NOLINTBEGIN(concurrency-mt-unsafe): there is no other thread yet
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ::setenv("XDG_RUNTIME_DIR", "/tmp", 0);
+    ::setenv("XDG_RUNTIME_DIR", runtimeFolder.path().c_str(), 1);
+    ::setenv("XDG_CACHE_HOME", runtimeFolder.path().c_str(), 1);
     // NOLINTEND(concurrency-mt-unsafe)
     using Kind = Comparison::Kind;
     return runAndCompare(argc, argv,

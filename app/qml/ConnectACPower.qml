@@ -10,7 +10,6 @@ Item {
     KCPopupBodyText {
         objectName: "bodyText"
         text: qsTr("Upgrade file found. Connect AC power to initiate upgrade.\n\nNote: Do not unplug AC power until the upgrade is complete.")
-        keepAbove: cancelButton
     }
 
     KCButton {

@@ -10,7 +10,6 @@ Item {
     KCPopupBodyText {
         objectName: "bodyText"
         text: qsTr("An error has occurred during upgrade and the printer needs to reboot in recovery mode.")
-        keepAbove: rebootButton
     }
 
     KCButton {

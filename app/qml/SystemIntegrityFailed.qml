@@ -14,7 +14,6 @@ Item {
         objectName: "bodyText"
         y: KCSize.sizedHeight(57, 85)
         text: qsTr("Printer unable to boot due to corrupted system files. Please insert a USB flash drive with valid upgrade file to start repair.")
-        keepAbove: repairButton
     }
 
     KCButton {

@@ -30,7 +30,6 @@ Item {
         objectName: "countdownText"
         y: progressBar.y + progressBar.height + screen.rowMargin
         text: qsTr("Printer will reboot in %1 seconds...").arg(countdownTimer.count)
-        keepAbove: rebootButton
     }
 
     KCButton {

@@ -10,7 +10,6 @@ Item {
     KCPopupBodyText {
         objectName: "bodyText"
         text: qsTr("Upgrade Complete.")
-        keepAbove: okButton
     }
 
     KCButton {

@@ -10,7 +10,6 @@ Item {
     KCPopupBodyText {
         objectName: "bodyText"
         text: qsTr("An error has occurred during upgrade. Re-insert USB flash drive to try again.")
-        keepAbove: okButton
     }
 
     KCButton {

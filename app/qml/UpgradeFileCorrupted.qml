@@ -10,7 +10,6 @@ Item {
     KCPopupBodyText {
         objectName: "bodyText"
         text: qsTr("Upgrade file may be corrupted. Please check that you have a valid upgrade file or try downloading the file again. Re-insert USB flash drive to try again.")
-        keepAbove: okButton
     }
 
     KCButton {

@@ -12,7 +12,6 @@ Item {
         objectName: "bodyText"
         text: qsTr("Upgrade file found. Upgrade now?\n\nNote: All current and queued print jobs will be cancelled once upgrade starts. This may take a few minutes. Please do not power off your printer.")
               + " " + qsTr("Remove USB drive after the upgrade completes.")
-        keepAbove: buttonRow
     }
 
     Row {

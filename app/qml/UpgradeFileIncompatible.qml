@@ -11,7 +11,6 @@ Item {
         objectName: "bodyText"
         y: KCSize.sizedHeight(57, 85)
         text: qsTr("Upgrade file is not compatible with device. Please check that you have a newer version and the correct region. Re-insert USB flash drive to try again.")
-        keepAbove: okButton
     }
 
     KCButton {

@@ -10,7 +10,6 @@ Item {
     KCPopupBodyText {
         objectName: "bodyText"
         text: qsTr("Unable to find upgrade file. Please check that a USB flash drive with valid upgrade file is inserted and try again.")
-        keepAbove: okButton
     }
 
     KCButton {

@@ -58,8 +58,6 @@ Item {
     }
 
     KCPopupBodyText {
-        id: progressText
-
         objectName: "progressText"
         text: qsTr("Upgrade Progress: %1%").arg(Math.floor(progressBar.value))
     }
@@ -68,7 +66,6 @@ Item {
         id: progressBar
 
         objectName: "progressBar"
-        y: progressText.y + progressText.height + KCStyle.spacing
     }
 
     KCPopupBodyText {
@@ -77,12 +74,9 @@ Item {
         y: progressBar.y + progressBar.height + screen.stageGap
         text: screen.upgradeStage
         font.pointSize: KCSize.sizedHeight(7, 12)
-        keepAbove: noteText
     }
 
     KCPopupBodyText {
-        id: noteText
-
         objectName: "noteText"
         y: KCSize.sizedHeight(130, 197)
         text: qsTr("Note: This may take a few minutes. Please do not power off your printer.")

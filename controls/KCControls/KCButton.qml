@@ -38,40 +38,25 @@ Rectangle {
     Accessible.focusable: true
     Accessible.onPressAction: if (enabled) clicked()
 
-    // Measures, so that a label wraps between its words and shrinks only where one word is too long for the button.
-    Text {
-        id: longestWord
-
-        visible: false
-        text: button.textToDisplay.replace(/\s+/g, "\n")
-        font.pointSize: KCStyle.buttonPointSize
-        textFormat: Text.PlainText
-        renderType: Text.NativeRendering
-    }
-
+    // Wraps between words, and shrinks only where that is not enough.
     Text {
         id: label
 
         anchors.centerIn: parent
         width: parent.width - 2 * KCStyle.buttonPadding
-        height: parent.height - 2 * KCStyle.lineWidth
+        height: button.fixedHeight ? parent.height - 2 * KCStyle.lineWidth : undefined
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
-        text: button.textToDisplay
+        text: button.visible ? button.textToDisplay : ""
         color: {
             if (!button.enabled)
                 return KCStyle.textDisabled
             return button.focus ? KCStyle.textOnAccent : KCStyle.accent
         }
-        font.pointSize: {
-            if (longestWord.implicitWidth <= width)
-                return KCStyle.buttonPointSize
-            var share = KCStyle.fontScalingSlack * width / longestWord.implicitWidth
-            return Math.max(Math.floor(KCStyle.buttonPointSize * share), KCStyle.smallestPointSize)
-        }
+        font.pointSize: KCStyle.buttonPointSize
         minimumPointSize: KCStyle.smallestPointSize
-        fontSizeMode: button.fixedHeight ? Text.VerticalFit : Text.FixedSize
-        wrapMode: Text.Wrap
+        fontSizeMode: button.fixedHeight ? Text.Fit : Text.HorizontalFit
+        wrapMode: Text.WordWrap
         textFormat: Text.PlainText
         renderType: Text.NativeRendering
     }

@@ -47,8 +47,6 @@ QtObject {
     readonly property int bodyPointSize: KCSize.sizedHeight(10, 16)
     readonly property int buttonPointSize: KCSize.sizedHeight(10, 16)
     readonly property int smallestPointSize: KCSize.sizedHeight(6, 9)
-    // Glyphs are as wide as whole pixels, so a smaller font is not quite as much narrower.
-    readonly property real fontScalingSlack: 0.9
 
     readonly property int slideDuration: 250
 }

@@ -7,6 +7,15 @@ Item {
 
     signal clicked()
 
+    component Stroke: Rectangle {
+        anchors.centerIn: parent
+        width: KCStyle.closeCrossSize
+        height: KCStyle.closeCrossThickness
+        radius: height / 2
+        antialiasing: true
+        color: button.enabled ? KCStyle.text : KCStyle.line
+    }
+
     Accessible.role: Accessible.Button
     Accessible.name: qsTr("Close")
     Accessible.onPressAction: if (enabled) clicked()
@@ -19,19 +28,9 @@ Item {
         visible: touchArea.pressed && touchArea.containsMouse
     }
 
-    Repeater {
-        model: [45, -45]
+    Stroke { rotation: 45 }
 
-        Rectangle {
-            anchors.centerIn: parent
-            width: KCStyle.closeCrossSize
-            height: KCStyle.closeCrossThickness
-            radius: height / 2
-            rotation: modelData
-            antialiasing: true
-            color: button.enabled ? KCStyle.text : KCStyle.line
-        }
-    }
+    Stroke { rotation: -45 }
 
     MouseArea {
         id: touchArea

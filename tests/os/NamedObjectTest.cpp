@@ -64,20 +64,21 @@ TEST_F(NamedObject, AnEventRefusesWhatItWasNotOpenedFor) {
     EXPECT_FALSE(waiter.set());
     EXPECT_FALSE(setter.isSet());
     EXPECT_TRUE(setter.set());
-    const std::array<const NamedEvent*, 1> notForWaiting{&setter};
-    EXPECT_EQ(EventWaiter().wait(notForWaiting, 1ms).outcome, Outcome::TimedOut);
+    EventWaiter wait;
+    wait.watch(setter, 0);
+    EXPECT_EQ(wait.wait(1ms).outcome, Outcome::TimedOut);
 }
 
 TEST_F(NamedObject, AnEventSetTwiceSatisfiesOneWaitAlsoWhenThePipeIsFull) {
     NamedEvent setter = made("event", EventRight::Set);
     NamedEvent waiter = NamedEvent::open("event", EventRight::Wait);
     EventWaiter wait;
-    const std::array<const NamedEvent*, 1> events{&waiter};
+    wait.watch(waiter, 0);
     for (const int times : {2, 4096, 4097, 100'000}) {
         for (int i = 0; i < times; ++i)
             ASSERT_TRUE(setter.set());
-        EXPECT_EQ(wait.wait(events, kDeadline).outcome, Outcome::Signalled) << times;
-        EXPECT_EQ(wait.wait(events, 0ms).outcome, Outcome::TimedOut) << times;
+        EXPECT_EQ(wait.wait(kDeadline).outcome, Outcome::Signalled) << times;
+        EXPECT_EQ(wait.wait(0ms).outcome, Outcome::TimedOut) << times;
     }
 }
 
@@ -87,23 +88,25 @@ TEST_F(NamedObject, TheLowestSetEventComesFirstAndAbsentOnesArePassedOver) {
     const NamedEvent absent;
     const NamedEvent firstWaiter = NamedEvent::open("first", EventRight::Wait);
     const NamedEvent secondWaiter = NamedEvent::open("second", EventRight::Wait);
-    const std::array<const NamedEvent*, 3> events{&absent, &firstWaiter, &secondWaiter};
+    EventWaiter wait;
+    wait.watch(secondWaiter, 2);
+    wait.watch(firstWaiter, 1);
+    wait.watch(absent, 0);
     second.set();
     first.set();
-    EventWaiter wait;
-    EXPECT_EQ(wait.wait(events, kDeadline).index, 1U);
-    EXPECT_EQ(wait.wait(events, kDeadline).index, 2U);
-    EXPECT_EQ(wait.wait(events, 0ms).outcome, Outcome::TimedOut);
+    EXPECT_EQ(wait.wait(kDeadline).index, 1U);
+    EXPECT_EQ(wait.wait(kDeadline).index, 2U);
+    EXPECT_EQ(wait.wait(0ms).outcome, Outcome::TimedOut);
 }
 
 TEST_F(NamedObject, AWaitEndsForGoodFromAnotherThreadAlsoWithoutAnyEvent) {
     const NamedEvent absent;
-    const std::array<const NamedEvent*, 1> events{&absent};
     EventWaiter wait;
+    wait.watch(absent, 0);
     std::atomic<int> ended = 0;
     std::thread waiting([&] {
         for (int i = 0; i < 2; ++i)
-            ended += wait.wait(events).outcome == Outcome::Ended ? 1 : 0;
+            ended += wait.wait().outcome == Outcome::Ended ? 1 : 0;
     });
     wait.end();
     waiting.join();

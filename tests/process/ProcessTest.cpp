@@ -30,6 +30,7 @@ ProcessTest::ProcessTest() : m_programFolder(root()) {
                           std::filesystem::copy_options::recursive);
     // NOLINTBEGIN(concurrency-mt-unsafe): there is no other thread yet
     ::setenv("XDG_RUNTIME_DIR", root().c_str(), 1);
+    ::setenv("XDG_CACHE_HOME", root().c_str(), 1);
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     // NOLINTEND(concurrency-mt-unsafe)
 }

@@ -54,6 +54,8 @@ std::string UpgraderLink::makeObjects() {
             eventName(which), waits ? os::EventRight::Wait : os::EventRight::Set, failure);
         if (failure)
             return sentence(eventName(which), failure);
+        if (waits)
+            m_waiter.watch(event(which), static_cast<std::size_t>(which));
     }
     return {};
 }
@@ -91,13 +93,13 @@ bool UpgraderLink::send(std::span<const std::uint8_t> codes, Milliseconds patien
     for (const std::uint8_t code : codes) {
         if (m_outstanding == kMaxOutstandingCodes && !awaitTaken(patience))
             return false;
-        append(code);
+        write(code);
     }
-    event(UpgradeEvent::UiEvent).set();
+    signalCodes();
     return true;
 }
 
-void UpgraderLink::append(std::uint8_t code) {
+void UpgraderLink::write(std::uint8_t code) {
     const std::scoped_lock guard(m_mutex);
     const std::uint8_t slot = m_record->writeIndex % kRingSlots;
     m_record->messageRing[slot] = code;
@@ -108,7 +110,7 @@ void UpgraderLink::append(std::uint8_t code) {
 bool UpgraderLink::awaitTaken(Milliseconds patience) {
     const auto deadline = Clock::now() + patience;
     for (int signal = 0; signal < 2; ++signal) {
-        event(UpgradeEvent::UiEvent).set();
+        signalCodes();
         if (!awaitSignalTaken(deadline))
             return false;
     }
@@ -126,11 +128,10 @@ bool UpgraderLink::awaitSignalTaken(Clock::time_point deadline) {
 }
 
 std::optional<UpgraderReply> UpgraderLink::awaitReply(Milliseconds patience) {
-    const std::array<const os::NamedEvent*, 2> answers{&event(UpgradeEvent::ComEvent), &event(UpgradeEvent::UiAck)};
-    const os::EventWaiter::Result result = m_waiter.wait(answers, patience);
+    const os::EventWaiter::Result result = m_waiter.wait(patience);
     if (result.outcome != os::EventWaiter::Outcome::Signalled)
         return {};
-    if (result.index != 0)
+    if (static_cast<UpgradeEvent>(result.index) == UpgradeEvent::UiAck)
         return UpgraderReply{UpgraderReply::Kind::Acknowledgement};
     const std::scoped_lock guard(m_mutex);
     return UpgraderReply{UpgraderReply::Kind::Command, m_record->uiCommand};

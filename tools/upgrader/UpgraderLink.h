@@ -58,6 +58,10 @@ public:
     [[nodiscard]] bool send(std::span<const std::uint8_t> codes, Milliseconds patience);
     [[nodiscard]] bool send(std::uint8_t code, Milliseconds patience) { return send({&code, 1}, patience); }
 
+    /// The two steps of send(), for who wants them apart. Requires: fewer than 24 codes outstanding.
+    void write(std::uint8_t code);
+    void signalCodes() { event(UpgradeEvent::UiEvent).set(); }
+
     /// Waits until the application has taken every code. Returns false if it has not within @p patience. Blocks.
     [[nodiscard]] bool awaitTaken(Milliseconds patience);
 
@@ -74,7 +78,6 @@ private:
     os::NamedEvent& event(UpgradeEvent which) { return m_events[static_cast<std::size_t>(which)]; }
     std::string makeObjects();
     void startRecord(bool inUse);
-    void append(std::uint8_t code);
     bool awaitSignalTaken(std::chrono::steady_clock::time_point deadline);
 
     std::array<os::NamedEvent, kUpgradeEvents> m_events;

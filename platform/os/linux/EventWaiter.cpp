@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <poll.h>
+#include <span>
+#include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
-#include <vector>
 
 namespace os {
 namespace {
@@ -17,14 +17,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kForever = -1;
-constexpr int kPassedOver = -1; // poll leaves a negative descriptor alone
+constexpr std::size_t kWakeUp = EventWaiter::kMostEvents; // its index, after those of the events
 
 enum class Reset { Done, NothingThere, Failed };
 
 // Empties the pipe, which is how an event resets itself. Another process that waits on the event may have been
 // faster.
 Reset resetEvent(int pipe) {
-    std::array<char, 4096> signals{};
+    std::array<char, 256> signals; // not cleared: this is on the way of every message
     bool any = false;
     for (;;) {
         const ssize_t count = retried([&] { return ::read(pipe, signals.data(), signals.size()); });
@@ -43,44 +43,57 @@ int remainingMs(Clock::time_point deadline) {
     return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
 }
 
-bool isRefused(const pollfd& entry) { return (entry.revents & (POLLERR | POLLNVAL)) != 0; }
+// Returns the first event of those that are ready; nothing if the waits are over.
+std::optional<std::size_t> lowestIndex(std::span<const epoll_event> ready) {
+    std::size_t lowest = kWakeUp;
+    for (const epoll_event& entry : ready) {
+        if (entry.data.u64 == kWakeUp || (entry.events & EPOLLIN) == 0)
+            return {};
+        lowest = std::min<std::size_t>(lowest, entry.data.u64);
+    }
+    return lowest;
+}
 
 } // namespace
 
-EventWaiter::EventWaiter() : m_wakeUp(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+EventWaiter::EventWaiter() : m_ready(::epoll_create1(EPOLL_CLOEXEC)), m_wakeUp(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    m_refused = !add(m_wakeUp.value(), kWakeUp);
+}
 
-EventWaiter::Result EventWaiter::wait(std::span<const NamedEvent* const> events,
-                                      std::optional<std::chrono::milliseconds> timeout) {
-    if (!m_wakeUp.isOpen())
-        return {};
-    std::vector<pollfd> entries;
-    for (const NamedEvent* event : events) {
-        const bool waitable = event->m_right == EventRight::Wait;
-        entries.push_back({waitable ? event->m_pipe.value() : kPassedOver, POLLIN, 0});
-    }
-    entries.push_back({m_wakeUp.value(), POLLIN, 0});
+bool EventWaiter::add(int descriptor, std::size_t index) {
+    epoll_event entry{};
+    entry.events = EPOLLIN;
+    entry.data.u64 = index;
+    return ::epoll_ctl(m_ready.value(), EPOLL_CTL_ADD, descriptor, &entry) == 0;
+}
 
+void EventWaiter::watch(const NamedEvent& event, std::size_t index) {
+    if (!event.isPresent() || event.m_right != EventRight::Wait)
+        return;
+    m_pipes[index] = event.m_pipe.value();
+    m_refused = !add(m_pipes[index], index) || m_refused;
+}
+
+EventWaiter::Result EventWaiter::wait(std::optional<std::chrono::milliseconds> timeout) {
     const auto deadline = timeout ? Clock::now() + *timeout : Clock::time_point::max();
-    for (;;) {
-        const int ready = ::poll(entries.data(), entries.size(), remainingMs(deadline));
-        if (ready < 0 && errno != EINTR)
-            return {};
-        if (ready == 0)
+    while (!m_refused) {
+        std::array<epoll_event, kMostEvents + 1> ready;
+        const int count = ::epoll_wait(m_ready.value(), ready.data(), ready.size(), remainingMs(deadline));
+        if (count == 0)
             return {Outcome::TimedOut};
-        if (ready < 0)
+        if (count < 0 && errno == EINTR)
             continue;
-        if (entries.back().revents != 0 || std::ranges::any_of(entries, isRefused))
-            return {};
-        const auto set = std::ranges::find_if(entries, [](const pollfd& e) { return e.revents != 0; });
-        switch (resetEvent(set->fd)) {
-        case Reset::Done:
-            return {Outcome::Signalled, static_cast<std::size_t>(set - entries.begin())};
-        case Reset::Failed:
-            return {};
-        case Reset::NothingThere:
+        if (count < 0)
             break;
-        }
+        const auto index = lowestIndex({ready.data(), static_cast<std::size_t>(count)});
+        if (!index)
+            break;
+        const Reset reset = resetEvent(m_pipes[*index]);
+        if (reset == Reset::Done)
+            return {Outcome::Signalled, *index};
+        m_refused = reset == Reset::Failed;
     }
+    return {};
 }
 
 void EventWaiter::end() {
