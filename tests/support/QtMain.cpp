@@ -6,6 +6,7 @@
 int main(int argc, char* argv[]) {
     ::testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication::setAttribute(Qt::AA_Use96Dpi);
     QGuiApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
