@@ -7,15 +7,6 @@ Item {
 
     signal clicked()
 
-    component Stroke: Rectangle {
-        anchors.centerIn: parent
-        width: KCStyle.closeCrossSize
-        height: KCStyle.closeCrossThickness
-        radius: height / 2
-        antialiasing: true
-        color: button.enabled ? KCStyle.text : KCStyle.line
-    }
-
     Accessible.role: Accessible.Button
     Accessible.name: qsTr("Close")
     Accessible.onPressAction: if (enabled) clicked()
@@ -28,9 +19,25 @@ Item {
         visible: touchArea.pressed && touchArea.containsMouse
     }
 
-    Stroke { rotation: 45 }
+    Rectangle {
+        id: stroke
 
-    Stroke { rotation: -45 }
+        anchors.centerIn: parent
+        width: KCStyle.closeCrossSize
+        height: KCStyle.closeCrossThickness
+        radius: height / 2
+        rotation: 45
+        antialiasing: true
+        color: button.enabled ? KCStyle.text : KCStyle.line
+    }
+
+    Rectangle {
+        anchors.fill: stroke
+        radius: stroke.radius
+        rotation: -stroke.rotation
+        antialiasing: true
+        color: stroke.color
+    }
 
     MouseArea {
         id: touchArea

@@ -1,0 +1,116 @@
+#include "app/KQUpgradeInterface.h"
+#include "app/UpgradeInterface.h"
+
+#include <QDir>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQmlContext>
+#include <QQuickWindow>
+#include <QScreen>
+#include <QPixmap>
+#include <QTimer>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using enum UpgradeDisplay;
+
+struct Picture {
+    const char* name;
+    UpgradeDisplay display;
+};
+
+constexpr Picture kPictures[] = {
+    {"connect-ac-power", DisplayConnectACPower},
+    {"file-found", DisplayFileFound},
+    {"in-progress", DisplayInProgress},
+    {"completed", DisplayCompleted},
+    {"completed-no-reboot", DisplayCompletedNoReboot},
+    {"file-corrupted", DisplayFileCorrupted},
+    {"file-not-found", DisplayFileNotFound},
+    {"file-incompatible", DisplayFileIncompatible},
+    {"failed", DisplayFailed},
+    {"system-integrity-failed", DisplaySysIntegrityFailed},
+    {"next-boot-safe", DisplayNextBootSafe},
+};
+
+constexpr QSize kDisplays[] = {{480, 272}, {800, 480}, {1024, 600}};
+
+constexpr int kSettleMs = 600; // the bar slides, the icon is drawn in the next frame
+
+/// A link without an upgrader: what is shown is said through the model.
+class NoLink final : public UpgradeInterface {
+public:
+    NoLink() : UpgradeInterface({}) {}
+    void start() override {}
+    void sendUserAction(UserAction) override {}
+    void setDisplayHandler(DisplayHandler) override {}
+    void setProgressHandler(ProgressHandler) override {}
+    void setPrinterInfoHandler(InfoHandler) override {}
+    void setPackageInfoHandler(InfoHandler) override {}
+    void setPackageSizeHandler(PackageSizeHandler) override {}
+    void setRepairAvailableHandler(RepairAvailableHandler) override {}
+};
+
+void settle() {
+    QEventLoop loop;
+    QTimer::singleShot(kSettleMs, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+bool takePicture(QQuickWindow& window, const QString& file) {
+    const auto grabbed = QGuiApplication::primaryScreen()->grabWindow(window.winId());
+    return !grabbed.isNull() && grabbed.save(file, "PNG");
+}
+
+int takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& folder) {
+    for (const QSize& display : kDisplays) {
+        window.resize(display);
+        for (const Picture& picture : kPictures) {
+            model.takeDisplay(picture.display);
+            settle();
+            const QString file = folder.filePath(
+                QStringLiteral("%1-%2x%3.png").arg(QLatin1String(picture.name)).arg(display.width()).arg(display.height()));
+            if (!takePicture(window, file)) {
+                std::fprintf(stderr, "screen-pictures: cannot write %s\n", qPrintable(file));
+                return EXIT_FAILURE;
+            }
+            std::puts(qPrintable(file));
+        }
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication::setAttribute(Qt::AA_Use96Dpi);
+    QGuiApplication application(argc, argv);
+    if (argc != 2 || !QDir(QString::fromLocal8Bit(argv[1])).exists()) {
+        std::fputs("Usage: screen-pictures FOLDER\nLeaves a picture of every screen at every display size there.\n", stderr);
+        return 2;
+    }
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
+    const int font = QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/arial.ttf"));
+    QGuiApplication::setFont(QFont(QFontDatabase::applicationFontFamilies(font).value(0)));
+
+    qmlRegisterType<KQUpgradeInterface>("KQUpgradeInterface", 1, 0, "KQUpgradeInterface");
+    KQUpgradeInterface model(std::make_shared<NoLink>());
+    model.takePackageInfo("1.5.0", "Label Printer", "EU");
+    model.takePackageSize(15'500'000);
+    model.takeProgress(UpgradeProgressMsg::ProgressExtractingPkg);
+    model.takeRepairAvailable(true);
+
+    QQmlApplicationEngine engine;
+    engine.addImportPath(QStringLiteral(CONTROLS_FOLDER));
+    engine.rootContext()->setContextProperty(QStringLiteral("QUpgradeModule"), &model);
+    engine.load(QUrl(QStringLiteral("qrc:/qml/main.qml")));
+    auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
+    if (window == nullptr)
+        return EXIT_FAILURE;
+    return takePictures(*window, model, QDir(QString::fromLocal8Bit(argv[1])));
+}
