@@ -9,13 +9,14 @@ class KQUpgradeApp final : public KQApp {
     Q_OBJECT
 
 public:
-    /// Builds the link and the model. The link listens from here on: what the upgrader says before the QML has
-    /// loaded stands in the model.
+    /// Builds the link and the model. The link listens from here on: what the upgrader says before the QML
+    /// has loaded stands in the model.
     KQUpgradeApp();
     ~KQUpgradeApp() override;
 
 protected:
-    void setupQml(QGuiApplication& application, const std::shared_ptr<QQmlApplicationEngine>& engine) override;
+    void setupQml(QGuiApplication& application,
+                  const std::shared_ptr<QQmlApplicationEngine>& engine) override;
 
 private:
     std::shared_ptr<KQUpgradeInterface> m_model;

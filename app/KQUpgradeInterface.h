@@ -13,9 +13,9 @@ class UpgradeInterface;
 
 /// What the screens see of the upgrade, and the way of a pressed button to the link.
 ///
-/// The link's handlers store and emit on their own thread: the QML engine moves a notification that comes from
-/// another thread over to this object's and reads the new value there. Signals are emitted on every set, changed or
-/// not. The object decides nothing itself.
+/// The link's handlers store and emit on their own thread: the QML engine moves a notification that comes
+/// from another thread over to this object's and reads the new value there. Signals are emitted on every set,
+/// changed or not. The object decides nothing itself.
 class KQUpgradeInterface : public QObject {
     Q_OBJECT
     Q_PROPERTY(StateUpgrade upgradeState READ upgradeState NOTIFY upgradeStateChanged)
@@ -81,8 +81,10 @@ public:
     /// What the link's handlers call. Thread: any. Do not block beyond a copy of one field.
     void takeDisplay(UpgradeDisplay display);
     void takeProgress(UpgradeProgressMsg stage);
-    void takePrinterInfo(const std::string& version, const std::string& deviceName, const std::string& region);
-    void takePackageInfo(const std::string& version, const std::string& deviceName, const std::string& region);
+    void takePrinterInfo(const std::string& version, const std::string& deviceName,
+                         const std::string& region);
+    void takePackageInfo(const std::string& version, const std::string& deviceName,
+                         const std::string& region);
     void takePackageSize(std::uint32_t bytes);
     void takeRepairAvailable(bool available);
 
@@ -111,12 +113,14 @@ public slots:
 private:
     using Signal = void (KQUpgradeInterface::*)();
 
-    template <typename Value> Value read(const Value& field) const {
+    template <typename Value>
+    Value read(const Value& field) const {
         const std::scoped_lock guard(m_fieldLock);
         return field;
     }
 
-    template <typename Value> void store(Value& field, Value value, Signal changed) {
+    template <typename Value>
+    void store(Value& field, Value value, Signal changed) {
         {
             const std::scoped_lock guard(m_fieldLock);
             field = std::move(value);
@@ -129,7 +133,7 @@ private:
     }
 
     mutable std::mutex m_fieldLock;
-    StateUpgrade m_upgradeState = StateIdle;         // guarded by m_fieldLock, like all but the link
+    StateUpgrade m_upgradeState = StateIdle; // guarded by m_fieldLock, like all but the link
     InProgStatus m_upgradeInProg = UpgradeInitiated;
     bool m_enableRepair = false;
     QString m_printerVersion;
@@ -142,6 +146,6 @@ private:
     std::shared_ptr<UpgradeInterface> m_link;
 };
 
-/// Returns the model of @p link, wired to it, and starts the link. The model owns the link, whose handlers hold the
-/// model weakly and do nothing once it is gone. Thread: the GUI thread.
+/// Returns the model of @p link, wired to it, and starts the link. The model owns the link, whose handlers
+/// hold the model weakly and do nothing once it is gone. Thread: the GUI thread.
 std::shared_ptr<KQUpgradeInterface> createUpgradeModel(const std::shared_ptr<UpgradeInterface>& link);

@@ -7,17 +7,18 @@
 #include <memory>
 #include <string>
 
-/// The two facts about the printer that the link adds to what the upgrader says. Safe to call from any thread.
-/// Until a feature list and a property server are asked, a printer has no battery and is on AC power.
+/// The two facts about the printer that the link adds to what the upgrader says. Safe to call from any
+/// thread. Until a feature list and a property server are asked, a printer has no battery and is on AC power.
 struct PowerFacts {
     std::function<bool()> hasBattery = [] { return false; };
     std::function<bool()> isACConnected = [] { return true; };
 };
 
-/// The link to the upgrader: it reports what the upgrader does through handlers, and takes the user's decisions.
+/// The link to the upgrader: it reports what the upgrader does through handlers, and takes the user's
+/// decisions.
 ///
-/// Handlers are stored by value and replaced whole; an empty one is skipped. They run on the thread on which a step
-/// is handled (the link's listener, or the caller of sendUserAction()), one at a time, and may call
+/// Handlers are stored by value and replaced whole; an empty one is skipped. They run on the thread on which
+/// a step is handled (the link's listener, or the caller of sendUserAction()), one at a time, and may call
 /// sendUserAction() themselves. Strings are UTF-8 as the upgrader wrote them.
 class UpgradeInterface {
 public:
@@ -31,11 +32,12 @@ public:
     UpgradeInterface& operator=(const UpgradeInterface&) = delete;
     virtual ~UpgradeInterface();
 
-    /// Begins to listen to the upgrader. Requires: the handlers are set; nothing is read before. Thread: the first.
+    /// Begins to listen to the upgrader. Requires: the handlers are set; nothing is read before. Thread: the
+    /// first.
     virtual void start() = 0;
 
-    /// Carries out what the user decided. Blocks while another step is handled or the upgrader holds the record.
-    /// Thread: any; handlers run on it.
+    /// Carries out what the user decided. Blocks while another step is handled or the upgrader holds the
+    /// record. Thread: any; handlers run on it.
     virtual void sendUserAction(UserAction action) = 0;
 
     /// Requires: called before start(). Thread: the first. The same goes for the five that follow.
@@ -59,6 +61,6 @@ private:
     PowerFacts m_powerFacts;
 };
 
-/// Returns the link over the named objects of the operating system, built in any case: where an object cannot be
-/// opened, it stays silent. Thread: the first.
+/// Returns the link over the named objects of the operating system, built in any case: where an object cannot
+/// be opened, it stays silent. Thread: the first.
 std::shared_ptr<UpgradeInterface> createUpgradeInterface();

@@ -8,7 +8,8 @@
 #include <string_view>
 
 /// One code space for the ring (upgrader to application) and for `uiCommand` (application to upgrader). Where
-/// several codes mean the same to the application, the name stands for the first; the table below lists them all.
+/// several codes mean the same to the application, the name stands for the first; the table below lists them
+/// all.
 enum UpgradeMessage : std::uint8_t {
     CommandStartUpgrade = 1,
     CommandCancel = 2,

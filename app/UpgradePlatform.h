@@ -8,8 +8,8 @@
 
 struct UpgradeSharedRecord;
 
-/// The events between the upgrader and the application. The first three to wait on stand in the order in which a
-/// wait prefers them.
+/// The events between the upgrader and the application. The first three to wait on stand in the order in
+/// which a wait prefers them.
 enum class UpgradeEvent : std::uint8_t { UiEvent, RequestClose, StartConfirm, ComEvent, UiAck };
 
 constexpr std::size_t kUpgradeEvents = 5;
@@ -28,7 +28,8 @@ constexpr std::string_view eventName(UpgradeEvent event) {
 
 /// What the link needs of the system it runs on, and its only contact with it.
 ///
-/// An object that cannot be opened leaves the operations on it without effect; nothing here reports a failure.
+/// An object that cannot be opened leaves the operations on it without effect; nothing here reports a
+/// failure.
 class UpgradePlatform {
 public:
     virtual ~UpgradePlatform() = default;
@@ -37,16 +38,16 @@ public:
     /// Requires: called before waitForEvent() and setEvent(). Thread: the first.
     virtual void openEvent(UpgradeEvent event) = 0;
 
-    /// Makes or opens the shared record and maps it. Returns null if that fails; the record lives as long as this
-    /// object. Thread: the first.
+    /// Makes or opens the shared record and maps it. Returns null if that fails; the record lives as long as
+    /// this object. Thread: the first.
     virtual UpgradeSharedRecord* openRecord() = 0;
 
     /// Makes or opens the mutex that guards the record, not owned. Thread: the first.
     virtual void openMutex() = 0;
 
-    /// Waits, without limit, until one of the first three events is set, and resets it; the first in their order if
-    /// several are. Returns nothing when endWait() was called or the wait failed: then no later wait will do better.
-    /// Blocks. Thread: one at a time.
+    /// Waits, without limit, until one of the first three events is set, and resets it; the first in their
+    /// order if several are. Returns nothing when endWait() was called or the wait failed: then no later wait
+    /// will do better. Blocks. Thread: one at a time.
     virtual std::optional<UpgradeEvent> waitForEvent() = 0;
 
     /// Ends the wait under way and every later one. Thread: any.

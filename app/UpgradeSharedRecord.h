@@ -5,7 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// How many slots the ring of message codes has. One stays free, so that a full ring differs from an empty one.
+/// How many slots the ring of message codes has. One stays free, so that a full ring differs from an empty
+/// one.
 constexpr std::uint8_t kRingSlots = 25;
 constexpr std::uint8_t kMaxOutstandingCodes = kRingSlots - 1;
 
@@ -16,9 +17,9 @@ using RecordText = std::array<char, kRecordTextSize>;
 /// The memory that the application shares with the upgrader: little-endian, at these offsets, whatever the
 /// compiler. Every access but the first write of `uiCommand` happens under the named mutex.
 struct UpgradeSharedRecord {
-    std::uint8_t writeIndex;                         ///< 0 to 24: the slot that the next code will take.
+    std::uint8_t writeIndex;                          ///< 0 to 24: the slot that the next code will take.
     std::array<std::uint8_t, kRingSlots> messageRing; ///< One code a slot.
-    RecordText printerVersion;                       ///< UTF-8, at most 49 bytes and a NUL, like the next five.
+    RecordText printerVersion; ///< UTF-8, at most 49 bytes and a NUL, like the next five.
     RecordText printerDeviceName;
     RecordText printerRegion;
     RecordText packageVersion;

@@ -14,7 +14,8 @@ using enum UpgradeDisplay;
 // A field that its writer filled to the last byte has no NUL.
 std::string textOf(const RecordText& field) { return {field.data(), ::strnlen(field.data(), field.size())}; }
 
-template <typename Handler, typename... Arguments> void call(const Handler& handler, Arguments&&... arguments) {
+template <typename Handler, typename... Arguments>
+void call(const Handler& handler, Arguments&&... arguments) {
     if (handler)
         handler(std::forward<Arguments>(arguments)...);
 }
@@ -27,7 +28,8 @@ struct Info {
 
 } // namespace
 
-WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform, PowerFacts powerFacts)
+WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform,
+                                                 PowerFacts powerFacts)
     : UpgradeInterface(std::move(powerFacts)), m_platform(std::move(platform)), m_record(nullptr) {
     using enum UpgradeEvent;
     for (const UpgradeEvent event : {UiEvent, ComEvent, UiAck, RequestClose, StartConfirm})
@@ -51,7 +53,9 @@ void WindowsUpgradeInterface::start() {
         m_listener = std::thread(listen, m_platform, weak_from_this());
 }
 
-void WindowsUpgradeInterface::setDisplayHandler(DisplayHandler handler) { m_displayHandler = std::move(handler); }
+void WindowsUpgradeInterface::setDisplayHandler(DisplayHandler handler) {
+    m_displayHandler = std::move(handler);
+}
 
 void WindowsUpgradeInterface::setProgressHandler(ProgressHandler handler) {
     m_progressHandler = std::move(handler);
@@ -103,7 +107,8 @@ void WindowsUpgradeInterface::handleEvent(UpgradeEvent event) {
     }
 }
 
-template <typename Read> auto WindowsUpgradeInterface::readRecord(Read read) {
+template <typename Read>
+auto WindowsUpgradeInterface::readRecord(Read read) {
     const std::scoped_lock guard(*m_platform);
     return read(std::as_const(*m_record));
 }
@@ -112,8 +117,8 @@ void WindowsUpgradeInterface::takeCodes() {
     if (m_record == nullptr)
         return;
     // One look for the whole step: what is written from here on waits for the next signal.
-    const auto [writeIndex, ring] = readRecord(
-        [](const auto& record) { return std::pair(record.writeIndex, record.messageRing); });
+    const auto [writeIndex, ring] =
+        readRecord([](const auto& record) { return std::pair(record.writeIndex, record.messageRing); });
     if (writeIndex >= kRingSlots)
         return; // no slot of the ring: whoever wrote that did not mean it
     while (m_readIndex != writeIndex) {

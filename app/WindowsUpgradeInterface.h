@@ -13,12 +13,13 @@ struct MessageRule;
 
 /// The link over the shared record and its events: the ring, the display machine, the commands.
 ///
-/// A thread of its own listens. Each handling step, with all that it announces, runs under m_stepLock, so that steps
-/// and announcements of several threads never interleave. The mutex of the record is taken inside a step for one
-/// group of reads or writes at a time, and never held across a handler.
+/// A thread of its own listens. Each handling step, with all that it announces, runs under m_stepLock, so
+/// that steps and announcements of several threads never interleave. The mutex of the record is taken inside
+/// a step for one group of reads or writes at a time, and never held across a handler.
 ///
-/// Reached only through a shared pointer. The listener holds the link weakly while it waits, so the last reference
-/// can be dropped anywhere: on the listener itself it lets the thread go, elsewhere it ends and joins it.
+/// Reached only through a shared pointer. The listener holds the link weakly while it waits, so the last
+/// reference can be dropped anywhere: on the listener itself it lets the thread go, elsewhere it ends and
+/// joins it.
 class WindowsUpgradeInterface final : public UpgradeInterface,
                                       public std::enable_shared_from_this<WindowsUpgradeInterface> {
 public:
@@ -55,14 +56,15 @@ private:
     void reportProgress(UpgradeProgressMsg stage);
     void reportRepairAvailable(bool available);
 
-    template <typename Read> auto readRecord(Read read);
+    template <typename Read>
+    auto readRecord(Read read);
 
     std::shared_ptr<UpgradePlatform> m_platform;
     UpgradeSharedRecord* m_record; // guarded by the mutex of m_platform; null if it could not be mapped
     std::uint8_t m_readIndex = 0;  // the listener's own
     std::thread m_listener;
 
-    std::recursive_mutex m_stepLock; // comes before the mutex of m_platform
+    std::recursive_mutex m_stepLock;                               // comes before the mutex of m_platform
     UpgradeDisplay m_currentDisplay = UpgradeDisplay::DisplayIdle; // guarded by m_stepLock
     bool m_repairLatched = false;                                  // guarded by m_stepLock
 

@@ -31,7 +31,8 @@ int main(int argc, char* argv[]) {
     QGuiApplication application(argc, argv);
     // Between two screens no window is open; only the upgrade ends the program.
     QGuiApplication::setQuitOnLastWindowClosed(false);
-    // A calm popup needs no graphics hardware, and a printer may have none: OpenGL that fails ends the program.
+    // A calm popup needs no graphics hardware, and a printer may have none: OpenGL that fails ends the
+    // program.
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     registerFirstFont();
 

@@ -31,7 +31,8 @@ public:
     }
 
     /// Lets the other thread fall asleep, calls @p signal and returns how long it took to arrive, in seconds.
-    template <typename Signal> double timed(Signal signal) {
+    template <typename Signal>
+    double timed(Signal signal) {
         m_done.store(false, std::memory_order_relaxed);
         std::this_thread::sleep_for(kRest);
         const Clock::time_point sent = Clock::now();
@@ -87,8 +88,16 @@ void codeToDisplayHandler(benchmark::State& state) {
     }
 }
 
-BENCHMARK(bareFifoWakeUp)->UseManualTime()->Iterations(kWakeUps)->Repetitions(kRepetitions)->Unit(benchmark::kMicrosecond);
-BENCHMARK(codeToDisplayHandler)->UseManualTime()->Iterations(kWakeUps)->Repetitions(kRepetitions)->Unit(benchmark::kMicrosecond);
+BENCHMARK(bareFifoWakeUp)
+    ->UseManualTime()
+    ->Iterations(kWakeUps)
+    ->Repetitions(kRepetitions)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(codeToDisplayHandler)
+    ->UseManualTime()
+    ->Iterations(kWakeUps)
+    ->Repetitions(kRepetitions)
+    ->Unit(benchmark::kMicrosecond);
 
 } // namespace
 

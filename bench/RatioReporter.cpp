@@ -23,8 +23,9 @@ bool RatioReporter::compare(const std::vector<Comparison>& comparisons) const {
                     : subject->second.counters.at(c.counter) - peer->second.counters.at(c.counter);
         const bool kept = value <= c.limit;
         allKept = allKept && kept;
-        std::printf("%s %s %s: %.2f%s (limit %.2f) %s\n", c.subject.c_str(), isRatio ? "/" : "-", c.peer.c_str(),
-                    value, isRatio ? "" : (' ' + c.counter).c_str(), c.limit, kept ? "ok" : "MISSED");
+        std::printf("%s %s %s: %.2f%s (limit %.2f) %s\n", c.subject.c_str(), isRatio ? "/" : "-",
+                    c.peer.c_str(), value, isRatio ? "" : (' ' + c.counter).c_str(), c.limit,
+                    kept ? "ok" : "MISSED");
     }
     return allKept;
 }

@@ -28,5 +28,6 @@ private:
     std::map<std::string, Run> m_medians;
 };
 
-/// Runs all benchmarks of the program and compares. Returns the exit status of the program: 1 where a limit is missed.
+/// Runs all benchmarks of the program and compares. Returns the exit status of the program: 1 where a limit
+/// is missed.
 int runAndCompare(int argc, char* argv[], const std::vector<Comparison>& comparisons);

@@ -49,7 +49,6 @@ public:
         return static_cast<double>(usage.ru_maxrss) / kKilobytesInMegabyte;
     }
 
-
 private:
     pid_t m_pid = -1;
 };
@@ -84,7 +83,8 @@ public:
     Application() {
         std::filesystem::copy_file(programFolder() / "UpgradeUI", m_root.path() / "UpgradeUI");
         std::filesystem::create_directory(m_root.path() / "printer");
-        std::filesystem::create_symlink(programFolder() / "printer/hard disk", m_root.path() / "printer/hard disk");
+        std::filesystem::create_symlink(programFolder() / "printer/hard disk",
+                                        m_root.path() / "printer/hard disk");
         os::setDeviceRoot((m_root.path() / "printer").string());
     }
 
@@ -111,7 +111,8 @@ void awaitExiting(UpgraderLink& upgrader) {
     throw std::runtime_error("the application does not answer");
 }
 
-// An exit that waits in the ring is answered as soon as the listener has taken it and the root file is loaded.
+// An exit that waits in the ring is answered as soon as the listener has taken it and the root file is
+// loaded.
 void upgradeUiStart(benchmark::State& state) {
     const Application& application = Application::installed();
     double memory = 0;
@@ -148,9 +149,21 @@ void upgradeUiShown(benchmark::State& state) {
     state.counters["MB"] = memory;
 }
 
-BENCHMARK(minimalQtQuick)->UseManualTime()->Iterations(kStarts)->Repetitions(kRepetitions)->Unit(benchmark::kMillisecond);
-BENCHMARK(upgradeUiStart)->UseManualTime()->Iterations(kStarts)->Repetitions(kRepetitions)->Unit(benchmark::kMillisecond);
-BENCHMARK(upgradeUiShown)->UseManualTime()->Iterations(1)->Repetitions(kRepetitions)->Unit(benchmark::kMillisecond);
+BENCHMARK(minimalQtQuick)
+    ->UseManualTime()
+    ->Iterations(kStarts)
+    ->Repetitions(kRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(upgradeUiStart)
+    ->UseManualTime()
+    ->Iterations(kStarts)
+    ->Repetitions(kRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(upgradeUiShown)
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Repetitions(kRepetitions)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -15,6 +15,7 @@ int main(int argc, char* argv[]) {
     if (::write(STDOUT_FILENO, "r", 1) != 1)
         return 1;
     auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
-    QObject::connect(window, &QQuickWindow::frameSwapped, &application, &QGuiApplication::quit, Qt::QueuedConnection);
+    QObject::connect(window, &QQuickWindow::frameSwapped, &application, &QGuiApplication::quit,
+                     Qt::QueuedConnection);
     return QGuiApplication::exec();
 }

@@ -5,9 +5,10 @@
 
 /// Where the printer's folders lie on this host.
 ///
-/// The printer's programs speak of "/boot", "/store" and "/hard disk" and spell paths with either slash. These
-/// names are mapped once, at the moment a path is handed to the host, below one folder: the device root. It is the
-/// folder "printer" beside the program's executable if there is one, otherwise the host's own root.
+/// The printer's programs speak of "/boot", "/store" and "/hard disk" and spell paths with either slash.
+/// These names are mapped once, at the moment a path is handed to the host, below one folder: the device
+/// root. It is the folder "printer" beside the program's executable if there is one, otherwise the host's own
+/// root.
 namespace os {
 
 /// Takes @p folder as the device root from now on.
@@ -17,13 +18,13 @@ void setDeviceRoot(std::string folder);
 /// Returns the device root without a final '/': empty for the host's own root. Thread: any.
 std::string deviceRoot();
 
-/// Returns the host's path for @p path as the printer spells it: every '\' becomes '/', and a path whose first
-/// component is "boot", "store" or "hard disk" (compared without case and blanks) gets the device root put before
-/// it. Any other path is the host's own. Thread: any.
+/// Returns the host's path for @p path as the printer spells it: every '\' becomes '/', and a path whose
+/// first component is "boot", "store" or "hard disk" (compared without case and blanks) gets the device root
+/// put before it. Any other path is the host's own. Thread: any.
 std::string hostPath(std::string_view path);
 
-/// Returns the folder of the running program as the printer spells it, with '\' between the components and none at
-/// the end; empty where the host does not tell. Thread: any.
+/// Returns the folder of the running program as the printer spells it, with '\' between the components and
+/// none at the end; empty where the host does not tell. Thread: any.
 std::string programFolder();
 
 } // namespace os

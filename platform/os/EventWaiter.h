@@ -30,14 +30,14 @@ public:
 
     EventWaiter();
 
-    /// Waits on @p event from now on, under @p index. An absent event, or one that was opened without the right to
-    /// wait, is passed over. Requires: an index below kMostEvents, each used once; the event outlives the last wait.
-    /// Thread: one, before the first wait.
+    /// Waits on @p event from now on, under @p index. An absent event, or one that was opened without the
+    /// right to wait, is passed over. Requires: an index below kMostEvents, each used once; the event
+    /// outlives the last wait. Thread: one, before the first wait.
     void watch(const NamedEvent& event, std::size_t index);
 
-    /// Waits until one of the events is set, at most @p timeout; no value means forever. The event is reset by that.
-    /// Of several set events the one with the lowest index is taken; the others stay set. Without any event the wait
-    /// just sleeps. Blocks. Thread: one at a time.
+    /// Waits until one of the events is set, at most @p timeout; no value means forever. The event is reset
+    /// by that. Of several set events the one with the lowest index is taken; the others stay set. Without
+    /// any event the wait just sleeps. Blocks. Thread: one at a time.
     [[nodiscard]] Result wait(std::optional<std::chrono::milliseconds> timeout = {});
 
     /// Ends the wait under way and every later one. Thread: any.

@@ -6,14 +6,16 @@
 
 namespace os {
 
-/// Lets one process of a kind run on a device root. The host ends the claim with the process, however that ends.
+/// Lets one process of a kind run on a device root. The host ends the claim with the process, however that
+/// ends.
 class InstanceLock {
 public:
-    /// Claims the place of the one instance of @p programName on this device root. Does not block. Thread: any.
+    /// Claims the place of the one instance of @p programName on this device root. Does not block. Thread:
+    /// any.
     explicit InstanceLock(std::string_view programName);
 
-    /// Returns whether another process holds the place. Where the host cannot tell (the device root is not writable)
-    /// the answer is false: the program runs rather than leave the printer without it.
+    /// Returns whether another process holds the place. Where the host cannot tell (the device root is not
+    /// writable) the answer is false: the program runs rather than leave the printer without it.
     [[nodiscard]] bool isHeldByAnother() const { return m_heldByAnother; }
 
 private:

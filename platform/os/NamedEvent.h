@@ -11,19 +11,20 @@ enum class EventRight { Wait, Set };
 
 /// A named event between processes that resets itself when a wait on it is satisfied.
 ///
-/// An event is set or it is not: setting it twice before a wait satisfies one wait. It keeps its state while any
-/// process has it open. An object that could not be opened is absent: its operations do nothing and answer false.
+/// An event is set or it is not: setting it twice before a wait satisfies one wait. It keeps its state while
+/// any process has it open. An object that could not be opened is absent: its operations do nothing and
+/// answer false.
 class NamedEvent {
 public:
     /// An absent event.
     NamedEvent() = default;
 
-    /// Opens the event called @p name, which another process made. Returns an absent event if there is none, or if
-    /// what bears the name is no event. Thread: any.
+    /// Opens the event called @p name, which another process made. Returns an absent event if there is none,
+    /// or if what bears the name is no event. Thread: any.
     static NamedEvent open(std::string_view name, EventRight right);
 
-    /// Makes the event called @p name, or opens it if it exists. Returns an absent event on failure and puts the
-    /// reason into @p why. Thread: any.
+    /// Makes the event called @p name, or opens it if it exists. Returns an absent event on failure and puts
+    /// the reason into @p why. Thread: any.
     static NamedEvent create(std::string_view name, EventRight right, std::error_code& why);
 
     /// Returns whether any process has the event called @p name open. Thread: any.

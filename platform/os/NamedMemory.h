@@ -9,8 +9,9 @@ namespace os {
 /// A named piece of memory that processes share. Who reads and writes it brings the exclusion (NamedMutex).
 class NamedMemory {
 public:
-    /// Makes the memory called @p name with @p size bytes of zero, or opens it if it exists, and maps it for reading
-    /// and writing. What exists with any other size, but for 0, is left alone and not mapped. Thread: any.
+    /// Makes the memory called @p name with @p size bytes of zero, or opens it if it exists, and maps it for
+    /// reading and writing. What exists with any other size, but for 0, is left alone and not mapped. Thread:
+    /// any.
     NamedMemory(std::string_view name, std::size_t size);
     ~NamedMemory();
 

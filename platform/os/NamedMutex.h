@@ -10,8 +10,8 @@ namespace os {
 
 /// A named mutex between processes and between the threads of this one; not recursive.
 ///
-/// The host frees it when the process that holds it dies, so there is no abandoned state to repair. An object that
-/// could not be opened still excludes the threads that share it, and nobody else.
+/// The host frees it when the process that holds it dies, so there is no abandoned state to repair. An object
+/// that could not be opened still excludes the threads that share it, and nobody else.
 class NamedMutex {
 public:
     /// Makes the mutex called @p name, or opens it if it exists, not owned. Thread: any.

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <system_error>
 
-/// The folder "run/upgrade" under the device root, in which the named objects live, each as a file under its own
-/// name to the letter. Who may open the folder (mode 0770) may take part.
+/// The folder "run/upgrade" under the device root, in which the named objects live, each as a file under its
+/// own name to the letter. Who may open the folder (mode 0770) may take part.
 namespace os {
 
 /// Returns the path of the folder. Thread: any.

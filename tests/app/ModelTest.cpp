@@ -34,14 +34,22 @@ TEST_F(ModelTest, EveryDisplayHasItsStateAndEachIsSignalled) {
         int display;
         Model::StateUpgrade state;
     } const kRows[] = {
-        {0, Model::StateUpgradeFileFound},   {1, Model::StateUpgradeInProgress},
-        {2, Model::StateUpgradeCompleted},   {3, Model::StateUpgradeFileCorrupted},
-        {4, Model::StateUpgradeFileIncompatible}, {5, Model::StateUpgradeFailed},
-        {6, Model::StateSysIntegrityFailed}, {7, Model::StateUpgradeFileNotFound},
-        {8, Model::StateNextBootSafe},       {9, Model::StateIdle},
-        {10, Model::StateUpgradeCompletedNoReboot}, {11, Model::StateConnectACPower},
-        {12, Model::StateExitUi},            {12, Model::StateExitUi},
-        {13, Model::StateExitUi},            {255, Model::StateExitUi},
+        {0, Model::StateUpgradeFileFound},
+        {1, Model::StateUpgradeInProgress},
+        {2, Model::StateUpgradeCompleted},
+        {3, Model::StateUpgradeFileCorrupted},
+        {4, Model::StateUpgradeFileIncompatible},
+        {5, Model::StateUpgradeFailed},
+        {6, Model::StateSysIntegrityFailed},
+        {7, Model::StateUpgradeFileNotFound},
+        {8, Model::StateNextBootSafe},
+        {9, Model::StateIdle},
+        {10, Model::StateUpgradeCompletedNoReboot},
+        {11, Model::StateConnectACPower},
+        {12, Model::StateExitUi},
+        {12, Model::StateExitUi},
+        {13, Model::StateExitUi},
+        {255, Model::StateExitUi},
     };
     QSignalSpy changed(model.get(), &Model::upgradeStateChanged);
     int announcements = 0;
@@ -79,20 +87,23 @@ TEST_F(ModelTest, TextsAreStoredAndSignalledOneByOneAlsoUnchanged) {
     QObject::connect(m, &Model::printerDeviceNameChanged, m, note("device ", &Model::printerDeviceName));
     QObject::connect(m, &Model::printerRegionChanged, m, note("region ", &Model::printerRegion));
     QObject::connect(m, &Model::packageVersionChanged, m, note("package version ", &Model::packageVersion));
-    QObject::connect(m, &Model::packageDeviceNameChanged, m, note("package device ", &Model::packageDeviceName));
+    QObject::connect(m, &Model::packageDeviceNameChanged, m,
+                     note("package device ", &Model::packageDeviceName));
     QObject::connect(m, &Model::packageRegionChanged, m, note("package region ", &Model::packageRegion));
 
     const QStringList printer{QStringLiteral("version 1.4"), QStringLiteral("device Drücker"),
                               QStringLiteral("region ")};
     for (int time = 0; time < 2; ++time) {
-        link->printerInfo("1.4", "Dr\xC3\xBC"
-                                 "cker",
+        link->printerInfo("1.4",
+                          "Dr\xC3\xBC"
+                          "cker",
                           "");
         EXPECT_EQ(std::exchange(seen, {}), printer);
     }
     link->packageInfo("1.5", "\xFF", "EU");
-    EXPECT_EQ(seen, (QStringList{QStringLiteral("package version 1.5"), QStringLiteral("package device \uFFFD"),
-                                 QStringLiteral("package region EU")}));
+    EXPECT_EQ(seen,
+              (QStringList{QStringLiteral("package version 1.5"), QStringLiteral("package device \uFFFD"),
+                           QStringLiteral("package region EU")}));
 }
 
 TEST_F(ModelTest, SizeAndRepairAreStoredAndSignalled) {
@@ -113,10 +124,14 @@ TEST_F(ModelTest, EverySlotIsOneAction) {
         const char* slot;
         UserAction action;
     } const kRows[] = {
-        {"userClickedUpgrade", UserAction::ActionUpgrade}, {"userClickedCancel", UserAction::ActionCancel},
-        {"userClickedRepair", UserAction::ActionRepair},   {"rebootPrinter", UserAction::ActionReboot},
-        {"uiExiting", UserAction::ActionUiExiting},        {"userClickedOK", UserAction::ActionOk},
-        {"userClickedClose", UserAction::ActionClose},     {"userClickedOkNoReboot", UserAction::ActionOkNoReboot},
+        {"userClickedUpgrade", UserAction::ActionUpgrade},
+        {"userClickedCancel", UserAction::ActionCancel},
+        {"userClickedRepair", UserAction::ActionRepair},
+        {"rebootPrinter", UserAction::ActionReboot},
+        {"uiExiting", UserAction::ActionUiExiting},
+        {"userClickedOK", UserAction::ActionOk},
+        {"userClickedClose", UserAction::ActionClose},
+        {"userClickedOkNoReboot", UserAction::ActionOkNoReboot},
     };
     for (const auto& row : kRows) {
         ASSERT_TRUE(QMetaObject::invokeMethod(model.get(), row.slot)) << row.slot;

@@ -71,7 +71,8 @@ TEST(Handling, EveryCodeCallsItsHandlersInOrder) {
         fill(record.printerDeviceName, "Printer/");
         fill(record.packageVersion, "1.5");
         fill(record.packageRegion, "EU");
-        EXPECT_EQ(scripted.take({row.code}), row.handling) << messageRule(row.code).name << ' ' << int{row.code};
+        EXPECT_EQ(scripted.take({row.code}), row.handling)
+            << messageRule(row.code).name << ' ' << int{row.code};
     }
 }
 

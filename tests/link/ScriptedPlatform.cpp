@@ -93,10 +93,12 @@ std::string ScriptedPlatform::takeNotes() {
 ScriptedLink::ScriptedLink(PowerFacts powerFacts) {
     link = std::make_shared<WindowsUpgradeInterface>(platform, std::move(powerFacts));
     auto number = [this](const char* what) {
-        return [this, what](auto value) { platform->note(what + std::to_string(static_cast<unsigned>(value))); };
+        return
+            [this, what](auto value) { platform->note(what + std::to_string(static_cast<unsigned>(value))); };
     };
     auto info = [this](const char* what) {
-        return [this, what](const std::string& version, const std::string& deviceName, const std::string& region) {
+        return [this, what](const std::string& version, const std::string& deviceName,
+                            const std::string& region) {
             platform->note(std::string(what) + version + '/' + deviceName + '/' + region);
         };
     };

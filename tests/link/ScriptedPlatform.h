@@ -26,7 +26,8 @@ public:
     /// Hands @p event to the listener.
     void raise(UpgradeEvent event);
 
-    /// Hands @p event to the listener and waits until it is back in its wait. Returns false if it does not come.
+    /// Hands @p event to the listener and waits until it is back in its wait. Returns false if it does not
+    /// come.
     bool signal(UpgradeEvent event);
 
     /// Adds @p codes to the ring, as an upgrader does.
@@ -53,8 +54,8 @@ private:
     std::vector<std::string> m_notes;
 };
 
-/// A link over a scripted platform, with handlers that write down their calls there: "display 5", "progress 7",
-/// "printer a/b/c", "package a/b/c", "size 77", "repair 1".
+/// A link over a scripted platform, with handlers that write down their calls there: "display 5", "progress
+/// 7", "printer a/b/c", "package a/b/c", "size 77", "repair 1".
 struct ScriptedLink {
     explicit ScriptedLink(PowerFacts powerFacts = {});
 

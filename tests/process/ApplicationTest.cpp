@@ -58,7 +58,8 @@ TEST_F(Application, WithoutItsControlLibraryItGoesOnListening) {
         upgrader->confirmStart();
         ASSERT_TRUE(acknowledges());
     }
-    ASSERT_TRUE(eventually([&] { return !output("UpgradeUI").empty(); })) << "the engine reports the missing module";
+    ASSERT_TRUE(eventually([&] { return !output("UpgradeUI").empty(); }))
+        << "the engine reports the missing module";
     ASSERT_TRUE(upgrader->send(MsgExitUi, kDeadline));
     ASSERT_TRUE(upgrader->awaitTaken(kDeadline));
     EXPECT_TRUE(application->isRunning());

@@ -19,7 +19,9 @@ TEST_F(Simulator, RefusesWhatItCannotDoAndSaysWhy) {
         {"code beyond a byte", {"send", "--force", "256"}, "there is no code \"256\""},
         {"unknown name", {"send", "MsgNothing"}, "there is no code \"MsgNothing\""},
         {"missing folder", {"send", "4", "--root", "/no/such/folder"}, "/no/such/folder"},
-        {"a text too long", {"play", "failed", "--package-version", std::string(50, 'v')}, "at most 49 bytes"},
+        {"a text too long",
+         {"play", "failed", "--package-version", std::string(50, 'v')},
+         "at most 49 bytes"},
         {"speed", {"play", "failed", "--speed", "0"}, "0.01"},
         {"size", {"play", "failed", "--package-size", "-1"}, "-1"},
     };
@@ -40,7 +42,8 @@ TEST_F(Simulator, AFolderThatCannotBeWrittenIsTold) {
 
 TEST_F(Simulator, PlaysWithTheApplication) {
     const auto simulator = startSimulator({"play", "start-confirm", "--speed", "100", "--patience", "60"});
-    ASSERT_TRUE(eventually([&] { return output("upgrader-sim").find("DLL_UI_START_CONFIRM") != std::string::npos; }));
+    ASSERT_TRUE(
+        eventually([&] { return output("upgrader-sim").find("DLL_UI_START_CONFIRM") != std::string::npos; }));
     const auto application = startApplication();
     EXPECT_EQ(simulator->exitStatus(kDeadline + kDeadline), 0) << output("upgrader-sim");
     EXPECT_EQ(application->exitStatus(kDeadline), 0);

@@ -79,7 +79,8 @@ protected:
                 pieces.push_back({words, item->mapRectToItem(frame, place)});
         } else if (isControl(item)) {
             checkLabel(item);
-            pieces.push_back({item->objectName(), item->mapRectToItem(frame, {0, 0, item->width(), item->height()})});
+            pieces.push_back(
+                {item->objectName(), item->mapRectToItem(frame, {0, 0, item->width(), item->height()})});
             return;
         }
         for (QQuickItem* child : item->childItems())
@@ -87,7 +88,8 @@ protected:
     }
 
     static bool isControl(const QQuickItem* item) {
-        return item->objectName().endsWith(QLatin1String("Button")) || item->objectName() == QLatin1String("progressBar");
+        return item->objectName().endsWith(QLatin1String("Button")) ||
+               item->objectName() == QLatin1String("progressBar");
     }
 
     static void checkLabel(const QQuickItem* button) {

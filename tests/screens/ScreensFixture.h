@@ -13,7 +13,8 @@
 #include <functional>
 #include <memory>
 
-/// Returns true as soon as @p condition holds while events are processed, false if it does not within 20 seconds.
+/// Returns true as soon as @p condition holds while events are processed, false if it does not within 20
+/// seconds.
 bool eventuallyShown(const std::function<bool()>& condition);
 
 /// The real root file over a model whose link is a fake.
@@ -27,7 +28,8 @@ protected:
     void show(UpgradeDisplay display) { link->display(display); }
     void stage(int message) { link->progress(static_cast<UpgradeProgressMsg>(message)); }
 
-    template <typename Type> Type* find(const char* name, QObject* in = nullptr) {
+    template <typename Type>
+    Type* find(const char* name, QObject* in = nullptr) {
         auto* found = (in != nullptr ? in : window)->findChild<Type*>(QLatin1String(name));
         EXPECT_NE(found, nullptr) << name;
         return found;

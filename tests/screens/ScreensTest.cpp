@@ -23,39 +23,56 @@ struct ScreenRow {
 
 constexpr ScreenRow kScreens[] = {
     {DisplayConnectACPower, "connectACPower", "connectACPower", true, "Upgrade Available", 1,
-     "Upgrade file found. Connect AC power to initiate upgrade.\n\nNote: Do not unplug AC power until the upgrade is "
+     "Upgrade file found. Connect AC power to initiate upgrade.\n\nNote: Do not unplug AC power until the "
+     "upgrade is "
      "complete.",
      "cancelButton", "Cancel", ActionCancel},
     {DisplayFileFound, "upgradeFileFound", "upgradeFileFound", true, "Upgrade Available", 2,
-     "Upgrade file found. Upgrade now?\n\nNote: All current and queued print jobs will be cancelled once upgrade "
-     "starts. This may take a few minutes. Please do not power off your printer. Remove USB drive after the upgrade "
+     "Upgrade file found. Upgrade now?\n\nNote: All current and queued print jobs will be cancelled once "
+     "upgrade "
+     "starts. This may take a few minutes. Please do not power off your printer. Remove USB drive after the "
+     "upgrade "
      "completes.",
      "upgradeButton", "Upgrade", ActionUpgrade},
-    {DisplayInProgress, "upgradeInProgress", "upgradeInProgress", false, "Upgrade", 3, nullptr, nullptr, nullptr, {}},
+    {DisplayInProgress,
+     "upgradeInProgress",
+     "upgradeInProgress",
+     false,
+     "Upgrade",
+     3,
+     nullptr,
+     nullptr,
+     nullptr,
+     {}},
     {DisplayCompleted, "upgradeCompleted", "upgradeCompleted", false, "Upgrade", 4,
      "Upgrade to Version 1.5 <b>%1</b> is successful!", "rebootButton", "Reboot Now", ActionReboot},
     {DisplayCompletedNoReboot, "upgradeCompletedNoReboot", "upgradeCompletedNoReboot", false, "Upgrade", 4,
      "Upgrade Complete.", "okButton", "OK", ActionOkNoReboot},
     {DisplayFileCorrupted, "upgradeFileCorrupted", "upgradeFileCorrupted", true, "Upgrade Failed", 1,
-     "Upgrade file may be corrupted. Please check that you have a valid upgrade file or try downloading the file "
+     "Upgrade file may be corrupted. Please check that you have a valid upgrade file or try downloading the "
+     "file "
      "again. Re-insert USB flash drive to try again.",
      "okButton", "OK", ActionOk},
     {DisplayFailed, "upgradeFailed", "upgradeFailed", true, "Upgrade Failed", 1,
-     "An error has occurred during upgrade. Re-insert USB flash drive to try again.", "okButton", "OK", ActionOk},
+     "An error has occurred during upgrade. Re-insert USB flash drive to try again.", "okButton", "OK",
+     ActionOk},
     {DisplayFileNotFound, "upgradeFileNotFound", "upgradeFileNotFound", true, "No Upgrade File Found", 1,
-     "Unable to find upgrade file. Please check that a USB flash drive with valid upgrade file is inserted and try "
+     "Unable to find upgrade file. Please check that a USB flash drive with valid upgrade file is inserted "
+     "and try "
      "again.",
      "okButton", "OK", ActionOk},
-    {DisplayFileIncompatible, "upgradeFileIncompatible", "upgradeFileIncompatible", true, "Incompatible Upgrade File",
-     1,
-     "Upgrade file is not compatible with device. Please check that you have a newer version and the correct region. "
+    {DisplayFileIncompatible, "upgradeFileIncompatible", "upgradeFileIncompatible", true,
+     "Incompatible Upgrade File", 1,
+     "Upgrade file is not compatible with device. Please check that you have a newer version and the correct "
+     "region. "
      "Re-insert USB flash drive to try again.",
      "okButton", "OK", ActionOk},
     {DisplayNextBootSafe, "nextBootSafe", "nextBootSafe", false, "Upgrade Failed", 1,
      "An error has occurred during upgrade and the printer needs to reboot in recovery mode.", "rebootButton",
      "Reboot Now", ActionReboot},
     {DisplaySysIntegrityFailed, "sysIntegrityFail", "systemIntegrityFailed", false, "Error Occurred", 5,
-     "Printer unable to boot due to corrupted system files. Please insert a USB flash drive with valid upgrade file "
+     "Printer unable to boot due to corrupted system files. Please insert a USB flash drive with valid "
+     "upgrade file "
      "to start repair.",
      "repairButton", "Repair", ActionRepair},
 };
@@ -63,7 +80,9 @@ constexpr ScreenRow kScreens[] = {
 class Screens : public ScreensTest {
 protected:
     void SetUp() override { load(); }
-    void TearDown() override { EXPECT_TRUE(warnings.isEmpty()) << warnings.join(QLatin1Char('\n')).toStdString(); }
+    void TearDown() override {
+        EXPECT_TRUE(warnings.isEmpty()) << warnings.join(QLatin1Char('\n')).toStdString();
+    }
 
     // Makes the QML timers tick as fast as they can; what a tick does stays.
     void hurry(const char* timer, QObject* in) { find<QObject>(timer, in)->setProperty("interval", 1); }
@@ -99,7 +118,8 @@ TEST_F(Screens, EveryButtonTakesMouseTouchEnterAndReturn) {
                 continue;
             }
             press(find<QQuickItem>(row.button, screen(row.screen)), way);
-            EXPECT_EQ(link->takeActions(), std::vector{row.action}) << row.state << ' ' << static_cast<int>(way);
+            EXPECT_EQ(link->takeActions(), std::vector{row.action})
+                << row.state << ' ' << static_cast<int>(way);
         }
     }
 }
@@ -161,11 +181,16 @@ TEST_F(Screens, EachStageHasItsTextAndPercentage) {
         const char* text;
         int percent;
     } kStages[] = {
-        {"Initiating the software upgrade...", 1},  {"Preparing for the software upgrade...", 3},
-        {"Copying the package...", 5},              {"Validating the package...", 45},
-        {"Validating the package...", 45},          {"Validating the configuration...", 47},
-        {"Backingup the current version...", 49},   {"Ending other applications...", 50},
-        {"Extracting the package...", 52},          {"Verifying software upgrade...", 90},
+        {"Initiating the software upgrade...", 1},
+        {"Preparing for the software upgrade...", 3},
+        {"Copying the package...", 5},
+        {"Validating the package...", 45},
+        {"Validating the package...", 45},
+        {"Validating the configuration...", 47},
+        {"Backingup the current version...", 49},
+        {"Ending other applications...", 50},
+        {"Extracting the package...", 52},
+        {"Verifying software upgrade...", 90},
         {"Executing post upgrade activities...", 95},
     };
     EXPECT_EQ(barValue(), 1);
@@ -175,7 +200,8 @@ TEST_F(Screens, EachStageHasItsTextAndPercentage) {
         stage(message++);
         EXPECT_EQ(text("upgradeInProgress", "stageText"), QLatin1String(row.text));
         EXPECT_EQ(barValue(), row.percent);
-        EXPECT_EQ(text("upgradeInProgress", "progressText"), QStringLiteral("Upgrade Progress: %1%").arg(row.percent));
+        EXPECT_EQ(text("upgradeInProgress", "progressText"),
+                  QStringLiteral("Upgrade Progress: %1%").arg(row.percent));
     }
     stage(5);
     EXPECT_EQ(barValue(), 1) << "from the start again";
@@ -199,7 +225,8 @@ TEST_F(Screens, LongStagesAreFilledInByThePackageSize) {
     show(DisplayInProgress);
     for (const auto& row : kRows) {
         link->packageSize(row.bytes);
-        QObject* timer = find<QObject>(row.message == 7 ? "copyTimer" : "extractTimer", screen("upgradeInProgress"));
+        QObject* timer =
+            find<QObject>(row.message == 7 ? "copyTimer" : "extractTimer", screen("upgradeInProgress"));
         EXPECT_EQ(timer->property("interval").toInt(), 1000) << row.name;
         timer->setProperty("interval", 1);
         std::vector<int> seen;
@@ -225,7 +252,8 @@ TEST_F(Screens, TheNextStageEndsATimerAndAHiddenScreenRewindsIt) {
     hurry("copyTimer", screen("upgradeInProgress"));
     ASSERT_TRUE(eventuallyShown([this] { return barValue() > 6; }));
     EXPECT_EQ(text("upgradeInProgress", "progressText"),
-              QStringLiteral("Upgrade Progress: %1%").arg(static_cast<int>(barValue()))) << "whole numbers only";
+              QStringLiteral("Upgrade Progress: %1%").arg(static_cast<int>(barValue())))
+        << "whole numbers only";
     show(DisplayFailed);
     EXPECT_EQ(timer->property("realPercent").toDouble(), 5);
     EXPECT_FALSE(timer->property("running").toBool()) << "nothing ticks behind another screen";
@@ -248,7 +276,8 @@ TEST_F(Screens, TheCountdownRunsOnceAndAPressDoesNotStopIt) {
     ASSERT_TRUE(eventuallyShown([&] { return link->actions.size() == 2; }));
     EXPECT_EQ(link->takeActions(), (std::vector{ActionReboot, ActionReboot})) << "at the press, and at 0";
     EXPECT_EQ(changed.count(), 15);
-    EXPECT_EQ(text("upgradeCompleted", "countdownText"), QStringLiteral("Printer will reboot in 0 seconds..."));
+    EXPECT_EQ(text("upgradeCompleted", "countdownText"),
+              QStringLiteral("Printer will reboot in 0 seconds..."));
     EXPECT_FALSE(timer->property("running").toBool());
 }
 

@@ -9,7 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const std::filesystem::path& outputFile) {
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
+                           const std::filesystem::path& outputFile) {
     std::vector<char*> argv;
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
@@ -17,7 +18,8 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const std:
 
     posix_spawn_file_actions_t files;
     ::posix_spawn_file_actions_init(&files);
-    ::posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, outputFile.c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0600);
+    ::posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, outputFile.c_str(),
+                                       O_CREAT | O_WRONLY | O_TRUNC, 0600);
     ::posix_spawn_file_actions_adddup2(&files, STDOUT_FILENO, STDERR_FILENO);
     if (::posix_spawn(&m_pid, argv[0], &files, nullptr, argv.data(), environ) != 0)
         ADD_FAILURE() << "cannot start " << arguments.front();

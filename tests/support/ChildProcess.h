@@ -23,7 +23,8 @@ public:
     [[nodiscard]] bool isRunning();
     void kill();
 
-    /// Returns how often the threads of the program have been given a processor so far; 0 if that cannot be told.
+    /// Returns how often the threads of the program have been given a processor so far; 0 if that cannot be
+    /// told.
     [[nodiscard]] long contextSwitches() const;
 
 private:

@@ -34,7 +34,8 @@ public:
     bool setAfterStart = false;
 
 private:
-    template <typename Handler> void set(Handler& place, Handler handler) {
+    template <typename Handler>
+    void set(Handler& place, Handler handler) {
         place = std::move(handler);
         setAfterStart = setAfterStart || started;
     }

@@ -28,10 +28,14 @@ protected:
     }
 
     std::map<UpgradeDisplay, UserAction> presses{
-        {DisplayFileFound, ActionUpgrade},      {DisplayCompleted, ActionReboot},
-        {DisplayCompletedNoReboot, ActionOkNoReboot}, {DisplayFileCorrupted, ActionOk},
-        {DisplayFileIncompatible, ActionClose}, {DisplayFailed, ActionOk},
-        {DisplayFileNotFound, ActionOk},        {DisplayNextBootSafe, ActionReboot},
+        {DisplayFileFound, ActionUpgrade},
+        {DisplayCompleted, ActionReboot},
+        {DisplayCompletedNoReboot, ActionOkNoReboot},
+        {DisplayFileCorrupted, ActionOk},
+        {DisplayFileIncompatible, ActionClose},
+        {DisplayFailed, ActionOk},
+        {DisplayFileNotFound, ActionOk},
+        {DisplayNextBootSafe, ActionReboot},
         {DisplayExitUi, ActionUiExiting},
     };
     std::ostringstream output;
@@ -67,15 +71,17 @@ private:
 TEST_F(ScenarioTest, EveryStoryComesToItsEnd) {
     for (const Scenario& scenario : scenarios()) {
         presses[DisplayFileFound] = scenario.name == "cancelled" ? ActionCancel : ActionUpgrade;
-        EXPECT_EQ(play(scenario.name), ScenarioPlayer::Ending::AsTold) << scenario.name << '\n' << output.str();
+        EXPECT_EQ(play(scenario.name), ScenarioPlayer::Ending::AsTold) << scenario.name << '\n'
+                                                                       << output.str();
         output.str({});
     }
 }
 
 TEST_F(ScenarioTest, ReportsEachCodeCommandAndAcknowledgement) {
     ASSERT_EQ(play("close-request"), ScenarioPlayer::Ending::AsTold);
-    for (const char* line : {"-> 4 MsgFileFound\n", "<- 1 CommandStartUpgrade\n", "5% Copying the package\n",
-                             "-> Global\\DLL_REQUEST_CLOSE\n", "<- acknowledged\n", "<- 34 CommandUiExiting\n"})
+    for (const char* line :
+         {"-> 4 MsgFileFound\n", "<- 1 CommandStartUpgrade\n", "5% Copying the package\n",
+          "-> Global\\DLL_REQUEST_CLOSE\n", "<- acknowledged\n", "<- 34 CommandUiExiting\n"})
         EXPECT_NE(output.str().find(line), std::string::npos) << line << output.str();
 }
 

@@ -4,11 +4,11 @@
 #include <QDir>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QPixmap>
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 #include <QQuickWindow>
 #include <QScreen>
-#include <QPixmap>
 #include <QTimer>
 
 #include <cstdio>
@@ -72,8 +72,10 @@ int takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& fo
         for (const Picture& picture : kPictures) {
             model.takeDisplay(picture.display);
             settle();
-            const QString file = folder.filePath(
-                QStringLiteral("%1-%2x%3.png").arg(QLatin1String(picture.name)).arg(display.width()).arg(display.height()));
+            const QString file = folder.filePath(QStringLiteral("%1-%2x%3.png")
+                                                     .arg(QLatin1String(picture.name))
+                                                     .arg(display.width())
+                                                     .arg(display.height()));
             if (!takePicture(window, file)) {
                 std::fprintf(stderr, "screen-pictures: cannot write %s\n", qPrintable(file));
                 return EXIT_FAILURE;
@@ -91,7 +93,9 @@ int main(int argc, char* argv[]) {
     QGuiApplication::setAttribute(Qt::AA_Use96Dpi);
     QGuiApplication application(argc, argv);
     if (argc != 2 || !QDir(QString::fromLocal8Bit(argv[1])).exists()) {
-        std::fputs("Usage: screen-pictures FOLDER\nLeaves a picture of every screen at every display size there.\n", stderr);
+        std::fputs(
+            "Usage: screen-pictures FOLDER\nLeaves a picture of every screen at every display size there.\n",
+            stderr);
         return 2;
     }
     QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);

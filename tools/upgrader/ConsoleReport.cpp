@@ -61,6 +61,6 @@ void ConsoleReport::endBar() {
 void ConsoleReport::drawBar() {
     const int filled = static_cast<int>(m_percent * kBarWidth / 100);
     m_out << '[' << std::string(static_cast<std::size_t>(filled), '#')
-          << std::string(static_cast<std::size_t>(kBarWidth - filled), '.') << "] " << static_cast<int>(m_percent)
-          << "% " << m_stage << std::flush;
+          << std::string(static_cast<std::size_t>(kBarWidth - filled), '.') << "] "
+          << static_cast<int>(m_percent) << "% " << m_stage << std::flush;
 }

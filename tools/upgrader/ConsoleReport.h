@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// Tells a person at a terminal what goes over the link, a line each, with a bar of the upgrade below the lines.
-/// Where the output is no terminal the bar is left out and each stage is a line.
+/// Tells a person at a terminal what goes over the link, a line each, with a bar of the upgrade below the
+/// lines. Where the output is no terminal the bar is left out and each stage is a line.
 class ConsoleReport {
 public:
     ConsoleReport(std::ostream& out, bool isTerminal) : m_out(out), m_isTerminal(isTerminal) {}

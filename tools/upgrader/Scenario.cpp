@@ -35,36 +35,60 @@ constexpr ScenarioStep kAllStages = stages(ProgressInitiated, ProgressFinalOpera
 // A printer that goes down closes its applications.
 constexpr ScenarioStep kPrinterGoesDown{RequestClose};
 
-constexpr std::array kSuccess{ScenarioStep{SendInfo}, kOffer,        kUserUpgrades,    kAllStages,
-                              ScenarioStep{Send, MsgCompleted}, kUserProceeds, kPrinterGoesDown, kApplicationEnds};
-constexpr std::array kSuccessNoReboot{ScenarioStep{SendInfo}, kOffer, kUserUpgrades, kAllStages,
-                                      ScenarioStep{Send, MsgCompletedNoReboot}, kApplicationEnds};
-constexpr std::array kCorrupted{ScenarioStep{SendInfo}, kOffer, kUserUpgrades,
+constexpr std::array kSuccess{
+    ScenarioStep{SendInfo},           kOffer,        kUserUpgrades,    kAllStages,
+    ScenarioStep{Send, MsgCompleted}, kUserProceeds, kPrinterGoesDown, kApplicationEnds};
+constexpr std::array kSuccessNoReboot{
+    ScenarioStep{SendInfo}, kOffer, kUserUpgrades, kAllStages, ScenarioStep{Send, MsgCompletedNoReboot},
+    kApplicationEnds};
+constexpr std::array kCorrupted{ScenarioStep{SendInfo},
+                                kOffer,
+                                kUserUpgrades,
                                 stages(ProgressInitiated, ProgressValidatingPkg),
-                                ScenarioStep{Send, MsgFileCorrupted}, kUserProceeds};
+                                ScenarioStep{Send, MsgFileCorrupted},
+                                kUserProceeds};
 constexpr std::array kNotFound{ScenarioStep{Send, MsgFileNotFound}, kUserProceeds};
-constexpr std::array kIncompatible{ScenarioStep{SendInfo}, kOffer, kUserUpgrades,
+constexpr std::array kIncompatible{ScenarioStep{SendInfo},
+                                   kOffer,
+                                   kUserUpgrades,
                                    stages(ProgressInitiated, ProgressValidatingCfg),
-                                   ScenarioStep{Send, MsgFileIncompatible}, kUserProceeds};
-constexpr std::array kFailed{ScenarioStep{SendInfo}, kOffer, kUserUpgrades,
-                             stages(ProgressInitiated, ProgressExtractingPkg), ScenarioStep{Send, MsgFailed},
+                                   ScenarioStep{Send, MsgFileIncompatible},
+                                   kUserProceeds};
+constexpr std::array kFailed{ScenarioStep{SendInfo},
+                             kOffer,
+                             kUserUpgrades,
+                             stages(ProgressInitiated, ProgressExtractingPkg),
+                             ScenarioStep{Send, MsgFailed},
                              kUserProceeds};
-constexpr std::array kRecoveryReboot{ScenarioStep{SendInfo}, kOffer, kUserUpgrades,
+constexpr std::array kRecoveryReboot{ScenarioStep{SendInfo},
+                                     kOffer,
+                                     kUserUpgrades,
                                      stages(ProgressInitiated, ProgressVerifyingFile),
-                                     ScenarioStep{Send, MsgNextBootSafe}, kUserProceeds, kPrinterGoesDown,
+                                     ScenarioStep{Send, MsgNextBootSafe},
+                                     kUserProceeds,
+                                     kPrinterGoesDown,
                                      kApplicationEnds};
-constexpr std::array kSystemIntegrity{ScenarioStep{SendInfo}, ScenarioStep{Send, MsgSysIntegrityFailed},
-                                      ScenarioStep{Pause}, kOffer, kUserUpgrades, kAllStages,
-                                      ScenarioStep{Send, MsgCompleted}, kUserProceeds, kPrinterGoesDown,
+constexpr std::array kSystemIntegrity{ScenarioStep{SendInfo},
+                                      ScenarioStep{Send, MsgSysIntegrityFailed},
+                                      ScenarioStep{Pause},
+                                      kOffer,
+                                      kUserUpgrades,
+                                      kAllStages,
+                                      ScenarioStep{Send, MsgCompleted},
+                                      kUserProceeds,
+                                      kPrinterGoesDown,
                                       kApplicationEnds};
 constexpr std::array kCancelled{ScenarioStep{SendInfo}, kOffer, ScenarioStep{AwaitDecision, CommandCancel},
                                 ScenarioStep{Send, MsgExitUi}, kApplicationEnds};
-constexpr std::array kCloseRequest{ScenarioStep{SendInfo}, kOffer, kUserUpgrades,
-                                   stages(ProgressInitiated, ProgressValidatingPkg), kPrinterGoesDown,
-                                   kApplicationEnds};
-constexpr std::array kStartConfirm{ScenarioStep{SendInfo}, ScenarioStep{ConfirmStart},
+constexpr std::array kCloseRequest{ScenarioStep{SendInfo}, kOffer,
+                                   kUserUpgrades,          stages(ProgressInitiated, ProgressValidatingPkg),
+                                   kPrinterGoesDown,       kApplicationEnds};
+constexpr std::array kStartConfirm{ScenarioStep{SendInfo},
+                                   ScenarioStep{ConfirmStart},
                                    stages(ProgressExtractingPkg, ProgressFinalOperation),
-                                   ScenarioStep{Send, MsgCompleted}, kUserProceeds, kPrinterGoesDown,
+                                   ScenarioStep{Send, MsgCompleted},
+                                   kUserProceeds,
+                                   kPrinterGoesDown,
                                    kApplicationEnds};
 
 constexpr std::array kScenarios{
@@ -74,11 +98,14 @@ constexpr std::array kScenarios{
     Scenario{"not-found", "no upgrade file on the drive", kNotFound},
     Scenario{"incompatible", "the package is for another device or region", kIncompatible},
     Scenario{"failed", "the upgrade fails half-way", kFailed},
-    Scenario{"recovery-reboot", "the upgrade fails so that the printer must reboot in recovery mode", kRecoveryReboot},
-    Scenario{"system-integrity", "system files are damaged: a repair with a package found later", kSystemIntegrity},
+    Scenario{"recovery-reboot", "the upgrade fails so that the printer must reboot in recovery mode",
+             kRecoveryReboot},
+    Scenario{"system-integrity", "system files are damaged: a repair with a package found later",
+             kSystemIntegrity},
     Scenario{"cancelled", "the user cancels the offered upgrade", kCancelled},
     Scenario{"close-request", "the upgrader asks the application to close in the middle", kCloseRequest},
-    Scenario{"start-confirm", "the upgrader confirms a start: the application joins a running upgrade", kStartConfirm},
+    Scenario{"start-confirm", "the upgrader confirms a start: the application joins a running upgrade",
+             kStartConfirm},
 };
 
 } // namespace

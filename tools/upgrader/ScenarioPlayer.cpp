@@ -188,5 +188,6 @@ void ScenarioPlayer::follow(std::chrono::milliseconds time) {
 }
 
 ScenarioPlayer::Clock::duration ScenarioPlayer::scaled(double seconds) const {
-    return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds / m_options.speed));
+    return std::chrono::duration_cast<Clock::duration>(
+        std::chrono::duration<double>(seconds / m_options.speed));
 }

@@ -14,8 +14,9 @@ struct ScenarioOptions {
     UpgradeInfo printer;
     UpgradeInfo package;
     std::uint32_t packageSize = kReferencePackageSize;
-    double speed = 1;                                         ///< 2 plays twice as fast; more than 0.
-    std::chrono::milliseconds patience = std::chrono::hours(24); ///< For each answer of the user or the application.
+    double speed = 1; ///< 2 plays twice as fast; more than 0.
+    std::chrono::milliseconds patience =
+        std::chrono::hours(24); ///< For each answer of the user or the application.
 };
 
 /// Plays a story over the link, as an upgrader would, and reports each code, command and acknowledgement.

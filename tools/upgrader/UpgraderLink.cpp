@@ -26,7 +26,8 @@ std::string sentence(std::string_view object, const std::error_code& why) {
 
 } // namespace
 
-UpgraderLink::UpgraderLink() : m_memory(kUpgradeRecordName, sizeof(UpgradeSharedRecord)), m_mutex(kUpgradeMutexName) {}
+UpgraderLink::UpgraderLink()
+    : m_memory(kUpgradeRecordName, sizeof(UpgradeSharedRecord)), m_mutex(kUpgradeMutexName) {}
 
 std::unique_ptr<UpgraderLink> UpgraderLink::create(std::string& why) {
     // Asked before the first object of our own holds it open.
@@ -50,8 +51,8 @@ std::string UpgraderLink::makeObjects() {
     for (const UpgradeEvent which : {UiEvent, RequestClose, StartConfirm, ComEvent, UiAck}) {
         const bool waits = which == ComEvent || which == UiAck;
         std::error_code failure;
-        event(which) = os::NamedEvent::create(
-            eventName(which), waits ? os::EventRight::Wait : os::EventRight::Set, failure);
+        event(which) = os::NamedEvent::create(eventName(which),
+                                              waits ? os::EventRight::Wait : os::EventRight::Set, failure);
         if (failure)
             return sentence(eventName(which), failure);
         if (waits)

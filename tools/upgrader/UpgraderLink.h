@@ -33,9 +33,9 @@ struct UpgraderReply {
 
 /// The upgrader's side of the link: it makes the named objects, sends codes and reads commands.
 ///
-/// No two threads use one object. Nothing tells an upgrader which codes the application has taken, but two signals
-/// do: a signal that is taken after another one was taken means that the application had come back to its wait, and
-/// so was done with all that stood in the ring at the first.
+/// No two threads use one object. Nothing tells an upgrader which codes the application has taken, but two
+/// signals do: a signal that is taken after another one was taken means that the application had come back to
+/// its wait, and so was done with all that stood in the ring at the first.
 class UpgraderLink {
 public:
     using Milliseconds = std::chrono::milliseconds;
@@ -43,8 +43,9 @@ public:
     /// How many bytes a text of the record holds.
     static constexpr std::size_t kMaxTextBytes = 49;
 
-    /// Makes the objects, or joins them where they exist. A record that no application has open starts anew, from
-    /// zeros; one in use is carried on. Returns null on failure and puts a sentence about it into @p why.
+    /// Makes the objects, or joins them where they exist. A record that no application has open starts anew,
+    /// from zeros; one in use is carried on. Returns null on failure and puts a sentence about it into @p
+    /// why.
     static std::unique_ptr<UpgraderLink> create(std::string& why);
 
     /// Requires: texts of at most kMaxTextBytes; what is longer is cut.
@@ -52,9 +53,9 @@ public:
     void writePackageInfo(const UpgradeInfo& info);
     void writePackageSize(std::uint32_t bytes);
 
-    /// Writes @p codes into the ring and signals once; where they do not fit, waits until the application has taken
-    /// what is outstanding. Returns false if it does not within @p patience: then the codes from there on are not
-    /// written. Blocks.
+    /// Writes @p codes into the ring and signals once; where they do not fit, waits until the application has
+    /// taken what is outstanding. Returns false if it does not within @p patience: then the codes from there
+    /// on are not written. Blocks.
     [[nodiscard]] bool send(std::span<const std::uint8_t> codes, Milliseconds patience);
     [[nodiscard]] bool send(std::uint8_t code, Milliseconds patience) { return send({&code, 1}, patience); }
 
@@ -62,14 +63,16 @@ public:
     void write(std::uint8_t code);
     void signalCodes() { event(UpgradeEvent::UiEvent).set(); }
 
-    /// Waits until the application has taken every code. Returns false if it has not within @p patience. Blocks.
+    /// Waits until the application has taken every code. Returns false if it has not within @p patience.
+    /// Blocks.
     [[nodiscard]] bool awaitTaken(Milliseconds patience);
 
     /// Signals the application to close, or confirms its start; it answers each with an acknowledgement.
     void requestClose() { event(UpgradeEvent::RequestClose).set(); }
     void confirmStart() { event(UpgradeEvent::StartConfirm).set(); }
 
-    /// Waits for the next command or acknowledgement. Returns nothing if none comes within @p patience. Blocks.
+    /// Waits for the next command or acknowledgement. Returns nothing if none comes within @p patience.
+    /// Blocks.
     [[nodiscard]] std::optional<UpgraderReply> awaitReply(Milliseconds patience);
 
 private:

@@ -67,7 +67,9 @@ std::string checkScenario(const std::string& name) {
 
 void addCommonOptions(CLI::App& command, Arguments& arguments) {
     auto text = [&](const char* name, std::string& value, const char* help) {
-        command.add_option(name, value, help)->check(CLI::Validator(checkText, "TEXT", "text"))->capture_default_str();
+        command.add_option(name, value, help)
+            ->check(CLI::Validator(checkText, "TEXT", "text"))
+            ->capture_default_str();
     };
     text("--printer-version", arguments.options.printer.version, "Version of the printer's software");
     text("--printer-name", arguments.options.printer.deviceName, "Device name of the printer");
@@ -147,8 +149,9 @@ int run(Arguments& arguments) {
 
 int main(int argc, char* argv[]) {
     Arguments arguments;
-    CLI::App app("Plays the upgrader of the printer: sends codes to the application, prints each of its commands.",
-                 "upgrader-sim");
+    CLI::App app(
+        "Plays the upgrader of the printer: sends codes to the application, prints each of its commands.",
+        "upgrader-sim");
     app.require_subcommand(1);
 
     CLI::App* play = app.add_subcommand("play", "Play a whole upgrade with one of its endings");
@@ -159,7 +162,8 @@ int main(int argc, char* argv[]) {
         ->check(CLI::Range(0.01, 1000.0))
         ->capture_default_str();
     addCommonOptions(*play, arguments);
-    play->footer(scenarioList() + "Exit status: 0 as told, 1 another way was taken, 2 bad arguments, 3 no answer.");
+    play->footer(scenarioList() +
+                 "Exit status: 0 as told, 1 another way was taken, 2 bad arguments, 3 no answer.");
 
     CLI::App* send = app.add_subcommand("send", "Send single codes");
     send->add_flag("--force", arguments.force, "Allow numbers that are no code");

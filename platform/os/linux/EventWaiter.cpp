@@ -21,8 +21,8 @@ constexpr std::size_t kWakeUp = EventWaiter::kMostEvents; // its index, after th
 
 enum class Reset { Done, NothingThere, Failed };
 
-// Empties the pipe, which is how an event resets itself. Another process that waits on the event may have been
-// faster.
+// Empties the pipe, which is how an event resets itself. Another process that waits on the event may have
+// been faster.
 Reset resetEvent(int pipe) {
     std::array<char, 256> signals; // not cleared: this is on the way of every message
     bool any = false;
@@ -56,7 +56,8 @@ std::optional<std::size_t> lowestIndex(std::span<const epoll_event> ready) {
 
 } // namespace
 
-EventWaiter::EventWaiter() : m_ready(::epoll_create1(EPOLL_CLOEXEC)), m_wakeUp(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+EventWaiter::EventWaiter()
+    : m_ready(::epoll_create1(EPOLL_CLOEXEC)), m_wakeUp(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     m_refused = !add(m_wakeUp.value(), kWakeUp);
 }
 

@@ -14,8 +14,8 @@
 namespace os {
 namespace {
 
-// Reading and writing, whatever right is asked for: with a reader and a writer always there, the end of the other
-// process gives no hang-up that a wait would see for ever.
+// Reading and writing, whatever right is asked for: with a reader and a writer always there, the end of the
+// other process gives no hang-up that a wait would see for ever.
 Descriptor openPipe(const std::string& path, std::error_code& why) {
     constexpr int kFlags = O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY;
     Descriptor pipe(retried([&] { return ::open(path.c_str(), kFlags); }));

@@ -7,7 +7,8 @@
 namespace os {
 
 /// Calls @p call again for as long as a signal interrupts it. Returns its result.
-template <typename Call> auto retried(Call call) {
+template <typename Call>
+auto retried(Call call) {
     auto result = call();
     while (result == -1 && errno == EINTR)
         result = call();
