@@ -124,7 +124,7 @@ TEST_F(NamedObject, AnEventIsInUseWhileAnyoneHasItOpen) {
 
 TEST_F(NamedObject, MemoryStartsAsZerosAndIsShared) {
     ASSERT_FALSE(os::makeNamedObjectFolder());
-    std::ofstream{objectFile("empty")};
+    std::ofstream(objectFile("empty")).close();
     for (const char* name : {"absent", "empty"}) {
         const os::NamedMemory one(name, 336);
         const os::NamedMemory other(name, 336);

@@ -73,9 +73,8 @@ TEST_F(Application, GoesOnWhenTheUpgraderDiesWithTheMutexInItsHands) {
     if (dying == 0) {
         os::NamedMutex mutex(kUpgradeMutexName);
         mutex.lock();
-        const ssize_t written = ::write(ready[1], "x", 1);
-        while (written == 1)
-            ::pause();
+        if (::write(ready[1], "x", 1) == 1)
+            ::pause(); // until it is killed
         ::_exit(1);
     }
     char held = 0;

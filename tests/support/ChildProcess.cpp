@@ -12,6 +12,7 @@
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments,
                            const std::filesystem::path& outputFile) {
     std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);

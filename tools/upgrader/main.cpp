@@ -9,6 +9,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cmath>
+#include <cstdio>
+#include <exception>
 #include <iostream>
 #include <string>
 #include <unistd.h>
@@ -145,9 +147,7 @@ int run(Arguments& arguments) {
     return arguments.scenario.empty() ? sendCodes(arguments, player) : playScenario(arguments, player);
 }
 
-} // namespace
-
-int main(int argc, char* argv[]) {
+int parseAndRun(int argc, char* argv[]) {
     Arguments arguments;
     CLI::App app(
         "Plays the upgrader of the printer: sends codes to the application, prints each of its commands.",
@@ -186,4 +186,15 @@ int main(int argc, char* argv[]) {
         return app.exit(error) == 0 ? kDone : kBadArguments;
     }
     return run(arguments);
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    try {
+        return parseAndRun(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "upgrader-sim: %s\n", error.what());
+        return kBadArguments;
+    }
 }
