@@ -18,12 +18,15 @@ if(UPGRADEUI_SANITIZERS)
     target_link_options(project_flags INTERFACE -fsanitize=${UPGRADEUI_SANITIZERS})
 endif()
 
-set(hardening "$<AND:$<CONFIG:Release>,$<NOT:$<BOOL:${UPGRADEUI_SANITIZERS}>>>")
-target_compile_options(project_flags INTERFACE
-    "$<${hardening}:-fstack-protector-strong;-fstack-clash-protection>"
-    "$<${hardening}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2;-D_GLIBCXX_ASSERTIONS>"
-    "$<$<AND:${hardening},$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},x86_64>>:-fcf-protection>")
-target_link_options(project_flags INTERFACE "$<${hardening}:-Wl,-z,relro,-z,now,-z,noexecstack>")
+if(NOT UPGRADEUI_SANITIZERS)
+    set(hardening -fstack-protector-strong -fstack-clash-protection
+        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS)
+    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+        list(APPEND hardening -fcf-protection)
+    endif()
+    target_compile_options(project_flags INTERFACE "$<$<CONFIG:Release>:${hardening}>")
+    target_link_options(project_flags INTERFACE "$<$<CONFIG:Release>:-Wl,-z,relro,-z,now,-z,noexecstack>")
+endif()
 
 include(CheckPIESupported)
 check_pie_supported()

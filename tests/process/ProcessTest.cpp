@@ -1,6 +1,7 @@
 #include "tests/process/ProcessTest.h"
 
 #include "platform/os/DeviceRoot.h"
+#include "tests/support/PlatformLeaks.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -19,6 +20,12 @@ void place(const std::filesystem::path& program, const std::filesystem::path& fo
         std::filesystem::copy_file(program, folder / program.filename());
 }
 
+std::string leakSuppressions(const std::filesystem::path& folder) {
+    const std::filesystem::path file = folder / "leaks";
+    std::ofstream(file) << kPlatformLeaks;
+    return file.string() + ":print_suppressions=0";
+}
+
 } // namespace
 
 ProcessTest::ProcessTest() : m_programFolder(root()) {
@@ -31,6 +38,8 @@ ProcessTest::ProcessTest() : m_programFolder(root()) {
     // NOLINTBEGIN(concurrency-mt-unsafe): there is no other thread yet
     ::setenv("XDG_RUNTIME_DIR", root().c_str(), 1);
     ::setenv("XDG_CACHE_HOME", root().c_str(), 1);
+    // What the platform plug-in of Qt leaves to the end of a process is no leak of the application.
+    ::setenv("LSAN_OPTIONS", ("suppressions=" + leakSuppressions(root())).c_str(), 1);
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     // NOLINTEND(concurrency-mt-unsafe)
 }

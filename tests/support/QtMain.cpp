@@ -1,7 +1,16 @@
+#include "tests/support/PlatformLeaks.h"
+
 #include <QGuiApplication>
 #include <QQuickWindow>
 
 #include <gtest/gtest.h>
+
+// Asked by the address sanitizer, where there is one.
+// process.
+extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier): its name
+const char* __lsan_default_suppressions() {           // NOLINT(bugprone-reserved-identifier)
+    return kPlatformLeaks;
+}
 
 int main(int argc, char* argv[]) {
     ::testing::InitGoogleTest(&argc, argv);
