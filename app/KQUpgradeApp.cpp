@@ -6,9 +6,12 @@
 #include <QQmlApplicationEngine>
 #include <QQmlContext>
 
-KQUpgradeApp::KQUpgradeApp() : m_model(createUpgradeModel(createUpgradeInterface())) {}
+KQUpgradeApp::KQUpgradeApp() : m_link(createUpgradeInterface()), m_model(createUpgradeModel(m_link)) {}
 
-KQUpgradeApp::~KQUpgradeApp() = default;
+KQUpgradeApp::~KQUpgradeApp() {
+    // The close request that led here may still wait for its acknowledgement.
+    m_link->stop();
+}
 
 void KQUpgradeApp::setupQml(QGuiApplication& /*application*/,
                             const std::shared_ptr<QQmlApplicationEngine>& engine) {

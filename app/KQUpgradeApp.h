@@ -3,6 +3,7 @@
 #include "app/KQApp.h"
 
 class KQUpgradeInterface;
+class UpgradeInterface;
 
 /// The application of the upgrade screens: the link to the upgrader and the model that the screens bind to.
 class KQUpgradeApp final : public KQApp {
@@ -19,5 +20,6 @@ protected:
                   const std::shared_ptr<QQmlApplicationEngine>& engine) override;
 
 private:
+    std::shared_ptr<UpgradeInterface> m_link;
     std::shared_ptr<KQUpgradeInterface> m_model;
 };

@@ -48,6 +48,11 @@ public:
     virtual void setPackageSizeHandler(PackageSizeHandler handler) = 0;
     virtual void setRepairAvailableHandler(RepairAvailableHandler handler) = 0;
 
+    /// Ends the listening for good and waits until the step under way is done, its acknowledgement included:
+    /// a program that is about to end calls it, so that the end does not overtake the answer. From inside a
+    /// step it only ends the listening. Thread: any. Blocks for one step.
+    virtual void stop() = 0;
+
     /// Returns whether this printer can run on a battery. Thread: any.
     [[nodiscard]] bool hasBattery() const;
 

@@ -41,10 +41,14 @@ WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform
 }
 
 WindowsUpgradeInterface::~WindowsUpgradeInterface() {
+    stop();
+    if (m_listener.joinable())
+        m_listener.detach(); // this is the listener: it touches nothing of this object any more
+}
+
+void WindowsUpgradeInterface::stop() {
     m_platform->endWait();
-    if (m_listener.get_id() == std::this_thread::get_id())
-        m_listener.detach(); // it touches nothing of this object any more
-    else if (m_listener.joinable())
+    if (m_listener.joinable() && m_listener.get_id() != std::this_thread::get_id())
         m_listener.join();
 }
 

@@ -36,6 +36,7 @@ public:
     void setPackageInfoHandler(InfoHandler handler) override;
     void setPackageSizeHandler(PackageSizeHandler handler) override;
     void setRepairAvailableHandler(RepairAvailableHandler handler) override;
+    void stop() override;
 
 private:
     static void listen(const std::shared_ptr<UpgradePlatform>& platform,

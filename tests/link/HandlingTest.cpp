@@ -6,6 +6,7 @@
 #include "tests/support/DeviceRootTest.h"
 
 #include <algorithm>
+#include <atomic>
 #include <thread>
 
 namespace {
@@ -249,6 +250,23 @@ TEST(Handling, TheLastReferenceCanBeDroppedOnTheListenerItself) {
     platform->queue({16, 17});
     platform->raise(UpgradeEvent::UiEvent);
     EXPECT_TRUE(eventually([&] { return platform->waitHasEnded() && platform.use_count() == 2; }));
+}
+
+TEST(Handling, AStopWaitsForTheAcknowledgementUnderWay) {
+    ScriptedLink scripted;
+    ScriptedPlatform* platform = scripted.platform.get();
+    std::atomic<bool> inHandler = false;
+    scripted.link->setDisplayHandler([&inHandler, platform](UpgradeDisplay) {
+        inHandler = true;
+        EXPECT_TRUE(eventually([platform] { return platform->waitIsToEnd(); }));
+    });
+    platform->raise(UpgradeEvent::RequestClose);
+    ASSERT_TRUE(eventually([&inHandler] { return inHandler.load(); }));
+    scripted.link->stop();
+    EXPECT_EQ(platform->takeNotes(), "acknowledge");
+    platform->raise(UpgradeEvent::StartConfirm);
+    scripted.link->stop();
+    EXPECT_EQ(platform->takeNotes(), "") << "for good";
 }
 
 // A handler may act: what it does is part of the step, and no other thread's step comes between.

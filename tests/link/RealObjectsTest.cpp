@@ -15,6 +15,8 @@ using namespace std::chrono_literals;
 /// The application's link and an upgrader's over the same named objects.
 class RealObjects : public DeviceRootTest {
 protected:
+    ~RealObjects() override { endApplication(); } // its handler refers to what goes next
+
     void startUpgrader() {
         std::string why;
         upgrader.reset(); // before the new one looks whether the record is in use
@@ -29,6 +31,12 @@ protected:
             m_displays.push_back(static_cast<int>(display));
         });
         application->start();
+    }
+
+    void endApplication() {
+        if (application)
+            application->stop();
+        application.reset();
     }
 
     std::vector<int> displays() {
@@ -110,7 +118,7 @@ TEST_F(RealObjects, LinksComeAndGoUnderFire) {
         startApplication();
         ASSERT_TRUE(upgrader->send(std::vector<std::uint8_t>{7, 8, 13}, kDeadline));
         application->sendUserAction(UserAction::ActionOk);
-        application.reset();
+        endApplication();
         startUpgrader();
     }
 }

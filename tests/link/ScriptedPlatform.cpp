@@ -34,6 +34,11 @@ void ScriptedPlatform::endWait() {
     m_changed.notify_all();
 }
 
+bool ScriptedPlatform::waitIsToEnd() const {
+    const std::scoped_lock guard(m_lock);
+    return m_ended;
+}
+
 bool ScriptedPlatform::waitHasEnded() const {
     const std::scoped_lock guard(m_lock);
     return m_ended && !m_waiting;

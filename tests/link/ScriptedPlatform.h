@@ -39,6 +39,7 @@ public:
     /// Returns the lines so far, joined with ", ", and forgets them.
     std::string takeNotes();
 
+    [[nodiscard]] bool waitIsToEnd() const;
     [[nodiscard]] bool waitHasEnded() const;
 
     UpgradeSharedRecord record{};

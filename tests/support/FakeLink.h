@@ -21,6 +21,8 @@ public:
         set(repairAvailable, std::move(handler));
     }
 
+    void stop() override {}
+
     std::vector<UserAction> takeActions() { return std::exchange(actions, {}); }
 
     DisplayHandler display;

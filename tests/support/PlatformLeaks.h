@@ -6,4 +6,5 @@ inline constexpr const char* kPlatformLeaks = "leak:libqoffscreen\n"
                                               "leak:libfontconfig\n"
                                               "leak:QWindowSystemInterface::handleScreenAdded\n"
                                               "leak:QPlatformScreen::QPlatformScreen\n"
+                                              "leak:QQuickPointerDevice::touchDevice\n"
                                               "leak:QtSharedPointer::ExternalRefCountData::getAndRef\n";

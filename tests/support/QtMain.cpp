@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 // Asked by the address sanitizer, where there is one.
-// process.
 extern "C" const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier): its name
 const char* __lsan_default_suppressions() {           // NOLINT(bugprone-reserved-identifier)
     return kPlatformLeaks;

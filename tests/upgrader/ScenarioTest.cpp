@@ -16,7 +16,7 @@ using enum UserAction;
 /// The simulator against a real link, with handlers that press buttons as soon as a screen offers them.
 class ScenarioTest : public DeviceRootTest {
 protected:
-    ~ScenarioTest() override { m_application.reset(); } // the handlers refer to what goes next
+    ~ScenarioTest() override { endApplication(); } // the handlers refer to what goes next
 
     ScenarioPlayer::Ending play(std::string_view name, std::chrono::milliseconds patience = kDeadline) {
         start();
@@ -41,9 +41,15 @@ protected:
     std::ostringstream output;
 
 private:
+    void endApplication() {
+        if (m_application)
+            m_application->stop();
+        m_application.reset();
+    }
+
     // Both anew: an application that joins a record in use would take its old codes.
     void start() {
-        m_application.reset();
+        endApplication();
         m_link.reset();
         std::string why;
         m_link = UpgraderLink::create(why);

@@ -53,6 +53,7 @@ public:
     void setPackageInfoHandler(InfoHandler) override {}
     void setPackageSizeHandler(PackageSizeHandler) override {}
     void setRepairAvailableHandler(RepairAvailableHandler) override {}
+    void stop() override {}
 };
 
 void settle() {
