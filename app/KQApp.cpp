@@ -4,8 +4,10 @@
 #include "prefs/ApplicationIdentity.h"
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQuickWindow>
 #include <QUrl>
 
 namespace {
@@ -24,8 +26,22 @@ void KQApp::initialise(const std::string& applicationName, const std::string& co
     identity.setApplicationName(applicationName);
     identity.setComponentGuid(componentGuid);
     identity.setComponentName(componentName);
+
+    // The screens are laid out for the pixels of known displays, so a point has one size on all of them.
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    // A calm popup needs no graphics hardware, and a printer may have none: OpenGL that fails ends a program.
+    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
     QCoreApplication::addLibraryPath(hostPath(identity.qtRootFolder() + LR"(\qt\plugins)"));
     QCoreApplication::addLibraryPath(hostPath(identity.bootFolder() + LR"(\qt\plugins)"));
+}
+
+void KQApp::registerFirstFont(const QString& file) {
+    const QStringList families =
+        QFontDatabase::applicationFontFamilies(QFontDatabase::addApplicationFont(file));
+    // On the printer the first font is the default one; on a host with fonts of its own, it has to be made
+    // so.
+    if (!families.isEmpty())
+        QGuiApplication::setFont(QFont(families.first()));
 }
 
 KQApp::KQApp() = default;
@@ -42,5 +58,7 @@ int KQApp::run(QGuiApplication& application, const QUrl& rootFile) {
     engine->addImportPath(hostPath(os::programFolder() + R"(\..\..\..\..\QtCommon)"));
     setupQml(application, engine);
     engine->load(rootFile);
+    // Between two screens no window is open; only the upgrade ends the program.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
     return QGuiApplication::exec();
 }

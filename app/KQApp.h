@@ -6,6 +6,7 @@
 
 class QGuiApplication;
 class QQmlApplicationEngine;
+class QString;
 class QUrl;
 
 /// The general part of a printer application: its identity, the folders in which Qt looks for plug-ins and
@@ -14,10 +15,14 @@ class KQApp : public QObject {
     Q_OBJECT
 
 public:
-    /// Says who this program is and where Qt finds its plug-ins. Requires: called once, before the
-    /// QGuiApplication exists.
+    /// Says who this program is, where Qt finds its plug-ins and how it draws. Requires: called once, before
+    /// the QGuiApplication exists.
     static void initialise(const std::string& applicationName, const std::string& componentGuid,
                            const std::string& componentName);
+
+    /// Makes the font in @p file known, before any other, and the default one. A file that is no font changes
+    /// nothing. Requires: the QGuiApplication exists.
+    static void registerFirstFont(const QString& file);
 
     KQApp();
     ~KQApp() override;

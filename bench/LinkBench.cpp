@@ -1,5 +1,5 @@
-#include "RatioReporter.h"
-#include "TemporaryRoot.h"
+#include "bench/RatioReporter.h"
+#include "bench/TemporaryRoot.h"
 
 #include "app/UpgradeInterface.h"
 #include "app/UpgradeMessage.h"

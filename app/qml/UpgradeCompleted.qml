@@ -11,18 +11,24 @@ Item {
 
     signal rebootNow()
 
+    // The text comes from outside: line breaks in it would push the countdown off the popup.
+    function oneLine(text) {
+        return text.replace(/[\u0000-\u001f\u0085\u2028\u2029]+/g, " ")
+    }
+
     KCPopupBodyText {
         id: successText
 
         objectName: "bodyText"
-        text: qsTr("Upgrade to Version %1 is successful!").arg(screen.newVersion)
+        text: qsTr("Upgrade to Version %1 is successful!").arg(oneLine(screen.newVersion))
     }
 
     KCProgressBar {
         id: progressBar
 
         objectName: "progressBar"
-        y: successText.y + successText.height + screen.rowMargin
+        anchors.top: successText.bottom
+        anchors.topMargin: screen.rowMargin
         value: 100
     }
 

@@ -40,7 +40,7 @@ Item {
 
         interval: 1000
         repeat: true
-        running: bar !== null && bar.visible && bar.value >= startPercent && bar.value < endPercent
+        running: bar !== null && bar.value >= startPercent && bar.value < endPercent
         onTriggered: {
             var grown = realPercent + increment
             realPercent = grown < endPercent - roundingError ? grown : endPercent

@@ -8,7 +8,6 @@ import KQUpgradeInterface 1.0
 KCMain {
     id: upgradeUI
 
-    title: "Upgrade UI"
     color: KCStyle.mainWindowBackgroundWhenPopup
     flags: Qt.platform.os === "windows"
            ? Qt.Window

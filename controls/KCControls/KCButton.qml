@@ -44,7 +44,7 @@ Rectangle {
 
         anchors.centerIn: parent
         width: parent.width - 2 * KCStyle.buttonPadding
-        height: button.fixedHeight ? parent.height - 2 * KCStyle.lineWidth : undefined
+        height: parent.height - 2 * KCStyle.lineWidth
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         text: button.visible ? button.textToDisplay : ""

@@ -20,7 +20,7 @@ std::string deviceRoot();
 
 /// Returns the host's path for @p path as the printer spells it: every '\' becomes '/', and a path whose
 /// first component is "boot", "store" or "hard disk" (compared without case and blanks) gets the device root
-/// put before it. Any other path is the host's own. Thread: any.
+/// put before it. Any other path is the host's own, and so is one in the program's folder. Thread: any.
 std::string hostPath(std::string_view path);
 
 /// Returns the folder of the running program as the printer spells it, with '\' between the components and

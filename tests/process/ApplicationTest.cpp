@@ -2,6 +2,8 @@
 
 #include "app/UpgradeMessage.h"
 #include "app/UpgradePlatform.h"
+#include "app/UpgradeSharedRecord.h"
+#include "platform/os/NamedMemory.h"
 #include "platform/os/NamedMutex.h"
 
 #include <csignal>
@@ -43,7 +45,11 @@ TEST_F(Application, ASecondStartEndsAtOnceAndTouchesNothing) {
     upgrader->confirmStart();
     ASSERT_TRUE(acknowledges()) << "it listens";
     ASSERT_TRUE(upgrader->send(ProgressExtractingPkg, kDeadline));
+    const os::NamedMemory memory(kUpgradeRecordName, sizeof(UpgradeSharedRecord));
+    auto* record = static_cast<UpgradeSharedRecord*>(memory.data());
+    record->uiCommand = 77; // a start that goes on would clear it
     EXPECT_EQ(startApplication()->exitStatus(kDeadline), 0);
+    EXPECT_EQ(record->uiCommand, 77);
     EXPECT_FALSE(upgrader->awaitReply(std::chrono::milliseconds(0)));
     ASSERT_TRUE(upgrader->send(MsgExitUi, kDeadline));
     EXPECT_TRUE(repliesWith(CommandUiExiting)) << "the first one is still there";

@@ -103,7 +103,7 @@ protected:
 
     void checkScreen(const std::string& name) {
         SCOPED_TRACE(name + ' ' + std::to_string(window->width()));
-        QCoreApplication::processEvents();
+        awaitFrame();
         auto* frame = qobject_cast<QQuickItem*>(popup);
         EXPECT_TRUE(QRectF(0, 0, window->width(), window->height())
                         .contains(frame->mapRectToScene({0, 0, frame->width(), frame->height()})));
@@ -150,6 +150,13 @@ TEST_F(Layout, ButtonsAreLargeEnoughForAFinger) {
         }
         EXPECT_GE(find<QQuickItem>("closeButton")->width(), 34);
     }
+}
+
+TEST_F(Layout, LineBreaksInAVersionPushNothingOffThePopup) {
+    link->packageInfo("1.5\n\n\n\n\n\n\r\n\t\n\n\xE2\x80\xA8\xE2\x80\xA8\n\n\n\n\n\n\n\n\n\n\n\nx", "", "");
+    checkAllScreens();
+    EXPECT_EQ(text("upgradeCompleted", "bodyText"),
+              QStringLiteral("Upgrade to Version 1.5 x is successful!"));
 }
 
 class LongLayout : public Layout {

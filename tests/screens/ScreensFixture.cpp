@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <chrono>
@@ -32,6 +33,12 @@ void ScreensTest::resize(int width, int height) {
     window->setWidth(width);
     window->setHeight(height);
     QCoreApplication::processEvents();
+}
+
+void ScreensTest::awaitFrame() {
+    QSignalSpy drawn(window, &QQuickWindow::frameSwapped);
+    window->update();
+    EXPECT_TRUE(eventuallyShown([&drawn] { return !drawn.isEmpty(); }));
 }
 
 QString ScreensTest::text(const char* screenName, const char* textName) {

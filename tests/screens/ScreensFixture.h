@@ -42,6 +42,9 @@ protected:
     void press(QQuickItem* button, Press way);
     void resize(int width, int height);
 
+    /// Waits until the window has drawn what was changed: rows place their items only then.
+    void awaitFrame();
+
     std::shared_ptr<FakeLink> link = std::make_shared<FakeLink>();
     std::shared_ptr<KQUpgradeInterface> model = createUpgradeModel(link);
     QQmlApplicationEngine engine;

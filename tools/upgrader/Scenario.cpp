@@ -1,4 +1,4 @@
-#include "Scenario.h"
+#include "tools/upgrader/Scenario.h"
 
 #include "app/UpgradeMessage.h"
 

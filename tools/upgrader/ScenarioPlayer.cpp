@@ -1,6 +1,6 @@
-#include "ScenarioPlayer.h"
+#include "tools/upgrader/ScenarioPlayer.h"
 
-#include "ConsoleReport.h"
+#include "tools/upgrader/ConsoleReport.h"
 
 #include "app/UpgradeMessage.h"
 

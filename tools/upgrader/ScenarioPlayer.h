@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Scenario.h"
-#include "UpgraderLink.h"
+#include "tools/upgrader/Scenario.h"
+#include "tools/upgrader/UpgraderLink.h"
 
 #include <chrono>
 #include <cstdint>

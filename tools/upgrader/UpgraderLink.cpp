@@ -1,4 +1,4 @@
-#include "UpgraderLink.h"
+#include "tools/upgrader/UpgraderLink.h"
 
 #include "app/UpgradeSharedRecord.h"
 #include "platform/os/NamedObjectFolder.h"
@@ -67,8 +67,8 @@ void UpgraderLink::startRecord(bool inUse) {
         *m_record = {};
         return;
     }
-    // A signal that was not taken stands for codes of an earlier upgrader: nobody knows how many.
-    m_outstanding = event(UpgradeEvent::UiEvent).isSet() ? kMaxOutstandingCodes : 0;
+    m_outstanding =
+        kMaxOutstandingCodes; // an earlier upgrader may have left any number, with a signal or without
 }
 
 void UpgraderLink::writePrinterInfo(const UpgradeInfo& info) {

@@ -1,10 +1,9 @@
-#include "ConsoleReport.h"
-#include "Scenario.h"
-#include "ScenarioPlayer.h"
-#include "UpgraderLink.h"
-
 #include "app/UpgradeMessage.h"
 #include "platform/os/DeviceRoot.h"
+#include "tools/upgrader/ConsoleReport.h"
+#include "tools/upgrader/Scenario.h"
+#include "tools/upgrader/ScenarioPlayer.h"
+#include "tools/upgrader/UpgraderLink.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,11 +11,15 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <unistd.h>
 #include <vector>
 
 namespace {
+
+constexpr double kDaySeconds = 86'400;
+constexpr double kSendPatienceSeconds = 5;
 
 enum ExitStatus { kDone = 0, kOtherwise = 1, kBadArguments = 2, kNoAnswer = 3 };
 
@@ -26,7 +29,7 @@ struct Arguments {
     std::vector<std::string> codes;
     bool force = false;
     double followSeconds = 0;
-    double patienceSeconds = 0;
+    double patienceSeconds = 0; // none was given
     ScenarioOptions options{
         .printer = {"1.4.2", "Label Printer", "EU"},
         .package = {"1.5.0", "Label Printer", "EU"},
@@ -35,6 +38,12 @@ struct Arguments {
 
 std::chrono::milliseconds milliseconds(double seconds) {
     return std::chrono::milliseconds(std::llround(seconds * 1000));
+}
+
+std::string shortest(double number) {
+    std::ostringstream text;
+    text << number;
+    return text.str();
 }
 
 std::string scenarioList() {
@@ -63,6 +72,17 @@ std::string checkText(const std::string& text) {
     return text.find('\0') == std::string::npos ? "" : "a text must not hold a NUL";
 }
 
+// Like CLI::Range, but what is no number at all is not between anything.
+CLI::Validator numberBetween(double lowest, double highest) {
+    const auto check = [lowest, highest](const std::string& text) -> std::string {
+        double number = 0;
+        const bool isBetween =
+            CLI::detail::lexical_cast(text, number) && number >= lowest && number <= highest;
+        return isBetween ? "" : text + " is not between " + shortest(lowest) + " and " + shortest(highest);
+    };
+    return {check, shortest(lowest) + " to " + shortest(highest), "between"};
+}
+
 std::string checkScenario(const std::string& name) {
     return findScenario(name) != nullptr ? "" : "there is no story \"" + name + "\"\n" + scenarioList();
 }
@@ -83,8 +103,9 @@ void addCommonOptions(CLI::App& command, Arguments& arguments) {
         ->capture_default_str();
     command
         .add_option("--patience", arguments.patienceSeconds,
-                    "Seconds to wait for each answer of the user or the application (default: a day)")
-        ->check(CLI::Range(0.001, 86400.0));
+                    "Seconds to wait for each answer of the user or the application (default: a day to play, "
+                    "5 to send)")
+        ->check(numberBetween(0.001, kDaySeconds));
     command
         .add_option("--root", arguments.deviceRoot,
                     "Device root of the printer (default: the folder \"printer\" beside this program, or /)")
@@ -93,13 +114,12 @@ void addCommonOptions(CLI::App& command, Arguments& arguments) {
 
 // Returns the code that is called @p text or has that number, or nothing.
 std::optional<std::uint8_t> parseCode(const std::string& text, bool anyNumber) {
-    std::uint8_t number = 0;
     if (const auto named = messageCode(text))
         return named;
     if (text.empty() || text.size() > 3 || text.find_first_not_of("0123456789") != std::string::npos ||
         std::stoul(text) > 255)
         return {};
-    number = static_cast<std::uint8_t>(std::stoul(text));
+    const auto number = static_cast<std::uint8_t>(std::stoul(text));
     if (!anyNumber && messageRule(number).name.empty())
         return {};
     return number;
@@ -133,8 +153,9 @@ int playScenario(const Arguments& arguments, ScenarioPlayer& player) {
 int run(Arguments& arguments) {
     if (!arguments.deviceRoot.empty())
         os::setDeviceRoot(arguments.deviceRoot);
-    if (arguments.patienceSeconds > 0)
-        arguments.options.patience = milliseconds(arguments.patienceSeconds);
+    const double ownPatience = arguments.scenario.empty() ? kSendPatienceSeconds : kDaySeconds;
+    arguments.options.patience =
+        milliseconds(arguments.patienceSeconds > 0 ? arguments.patienceSeconds : ownPatience);
 
     std::string why;
     const std::unique_ptr<UpgraderLink> link = UpgraderLink::create(why);
@@ -159,7 +180,7 @@ int parseAndRun(int argc, char* argv[]) {
         ->required()
         ->check(CLI::Validator(checkScenario, "", "story"));
     play->add_option("--speed", arguments.options.speed, "How many times faster than a real upgrade")
-        ->check(CLI::Range(0.01, 1000.0))
+        ->check(numberBetween(0.01, 1000))
         ->capture_default_str();
     addCommonOptions(*play, arguments);
     play->footer(scenarioList() +
@@ -171,7 +192,7 @@ int parseAndRun(int argc, char* argv[]) {
         ->required()
         ->expected(1, -1);
     send->add_option("--follow", arguments.followSeconds, "Seconds to print what the application answers")
-        ->check(CLI::Range(0.0, 86400.0));
+        ->check(numberBetween(0, kDaySeconds));
     addCommonOptions(*send, arguments);
     send->footer(codeList() + "Exit status: 0 sent, 2 bad arguments, 3 the ring is full.");
 

@@ -34,10 +34,20 @@ std::string executablePath() {
     }
 }
 
-std::string executableFolder() {
-    const std::string path = executablePath();
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+const std::string& executableFolder() {
+    static const std::string folder = [] {
+        const std::string path = executablePath();
+        const std::size_t slash = path.rfind('/');
+        return slash == std::string::npos ? std::string() : path.substr(0, slash);
+    }();
+    return folder;
+}
+
+// The program itself may live in a folder of the host that is called like one of the printer's.
+bool isInProgramFolder(const std::string& path) {
+    const std::string& folder = executableFolder();
+    return !folder.empty() && path.starts_with(folder) &&
+           (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 bool isFolder(const std::string& path) {
@@ -86,7 +96,7 @@ std::string hostPath(std::string_view path) {
     std::ranges::replace(result, '\\', '/');
 
     const std::size_t first = result.find_first_not_of('/');
-    if (first == 0 || first == std::string::npos)
+    if (first == 0 || first == std::string::npos || isInProgramFolder(result))
         return result;
     const std::size_t last = std::min(result.find('/', first), result.size());
     const PrinterFolder* folder = printerFolder(std::string_view(result).substr(first, last - first));
