@@ -39,6 +39,8 @@ constexpr Picture kPictures[] = {
 
 constexpr QSize kDisplays[] = {{480, 272}, {800, 480}, {1024, 600}};
 
+constexpr auto kStage = UpgradeProgressMsg::ProgressExtractingPkg;
+
 constexpr int kSettleMs = 600; // the bar slides, the icon is drawn in the next frame
 
 /// A link without an upgrader: what is shown is said through the model.
@@ -71,6 +73,9 @@ int takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& fo
     for (const QSize& display : kDisplays) {
         window.resize(display);
         for (const Picture& picture : kPictures) {
+            // From the start each time: a stage that is under way fills the bar, seen or unseen.
+            model.takeProgress(UpgradeProgressMsg::ProgressInitiated);
+            model.takeProgress(kStage);
             model.takeDisplay(picture.display);
             settle();
             const QString file = folder.filePath(QStringLiteral("%1-%2x%3.png")
@@ -105,7 +110,6 @@ int main(int argc, char* argv[]) {
     KQUpgradeInterface model(std::make_shared<NoLink>());
     model.takePackageInfo("1.5.0", "Label Printer", "EU");
     model.takePackageSize(15'500'000);
-    model.takeProgress(UpgradeProgressMsg::ProgressExtractingPkg);
     model.takeRepairAvailable(true);
 
     QQmlApplicationEngine engine;
