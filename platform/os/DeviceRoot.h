@@ -23,6 +23,11 @@ std::string deviceRoot();
 /// put before it. Any other path is the host's own, and so is one in the program's folder. Thread: any.
 std::string hostPath(std::string_view path);
 
+/// Returns the host's path for the device called @p name: "PRN0:" is "dev/PRN0" below the device root, and
+/// so is every name that ends with ':' and has no slash of either kind. Any other name goes through
+/// hostPath(). Thread: any.
+std::string devicePath(std::string_view name);
+
 /// Returns the folder of the running program as the printer spells it, with '\' between the components and
 /// none at the end; empty where the host does not tell. Thread: any.
 std::string programFolder();

@@ -32,8 +32,15 @@ TEST_F(HostPath, MapsThePrintersFoldersAndLeavesEverythingElse) {
     }
 }
 
+TEST_F(HostPath, DevicesLieInAFolderOfTheirOwn) {
+    EXPECT_EQ(os::devicePath("PRN0:"), root().string() + "/dev/PRN0");
+    EXPECT_EQ(os::devicePath("/store/device"), root().string() + "/store/device");
+    EXPECT_EQ(os::devicePath("/dev/PRN0:"), "/dev/PRN0:");
+}
+
 TEST_F(HostPath, TheHostsOwnRootAddsNothing) {
     os::setDeviceRoot("/");
+    EXPECT_EQ(os::devicePath("PRN0:"), "/dev/PRN0");
     EXPECT_EQ(os::hostPath("/Hard Disk/x"), "/hard disk/x");
 }
 

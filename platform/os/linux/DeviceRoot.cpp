@@ -105,6 +105,13 @@ std::string hostPath(std::string_view path) {
     return deviceRoot() + '/' + std::string(folder->onHost) + result.substr(last);
 }
 
+std::string devicePath(std::string_view name) {
+    if (!name.ends_with(':') || name.find_first_of("/\\") != std::string_view::npos)
+        return hostPath(name);
+    name.remove_suffix(1);
+    return deviceRoot() + "/dev/" + std::string(name);
+}
+
 std::string programFolder() {
     std::string folder = executableFolder();
     std::ranges::replace(folder, '/', '\\');

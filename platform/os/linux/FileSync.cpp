@@ -1,0 +1,33 @@
+#include "platform/os/FileSync.h"
+
+#include "platform/os/Descriptor.h"
+#include "platform/os/linux/SystemCall.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace os {
+namespace {
+
+// Which descriptor asks does not matter: the data belong to the file.
+std::error_code sync(const std::string& path, int flags) {
+    const Descriptor file(retried([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | flags); }));
+    if (!file.isOpen() || retried([&] { return ::fsync(file.value()); }) != 0)
+        return lastFailure();
+    return {};
+}
+
+std::string folderOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
+} // namespace
+
+std::error_code syncFile(const std::string& path) {
+    if (const std::error_code failure = sync(path, O_NONBLOCK))
+        return failure;
+    return sync(folderOf(path), O_DIRECTORY);
+}
+
+} // namespace os
