@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <vector>
 
 /// Who this program is, and the fixed facts of the printer it runs on. One object in the process, from its
 /// first use to the end.
@@ -38,6 +40,25 @@ public:
 
     /// Returns how the names of the folders of control libraries begin.
     [[nodiscard]] std::wstring controlsPrefix() const { return L"KC"; }
+
+    // Paths and search lists. Those that look at the disk do so anew at each call.
+
+    [[nodiscard]] std::wstring preferencesPath() const;
+    [[nodiscard]] std::wstring preferencesOverridePath() const;
+
+    /// Returns where applications lie, each folder with a separator at its end.
+    [[nodiscard]] std::vector<std::string> applicationFolders() const;
+
+    /// Returns the folders in @p folder whose names begin with controlsPrefix(), as absolute paths in the
+    /// order of the listing.
+    [[nodiscard]] std::vector<std::string> controlsFolders(std::wstring_view folder) const;
+
+    /// Returns this application's folder of translations, or nothing where it does not exist.
+    [[nodiscard]] std::string appTranslationsFolder() const;
+
+    /// Returns where translations are searched, first to last. Not all of the folders exist, some may stand
+    /// there twice, and the first may be empty.
+    [[nodiscard]] std::vector<std::string> translationFolders() const;
 
 private:
     ApplicationIdentity() = default;

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <system_error>
+#include <vector>
+
+/// Files and folders of the host, by the paths that hostPath() gives. An empty path names nothing.
+namespace os {
+
+/// Returns whether something stands at @p path, of whatever kind. Thread: any.
+[[nodiscard]] bool pathExists(const std::string& path);
+
+/// Returns whether @p path is a folder, or a link to one. Thread: any.
+[[nodiscard]] bool isFolder(const std::string& path);
+
+/// Returns whether @p path opens for input and is no folder. Thread: any.
+[[nodiscard]] bool fileIsReadable(const std::string& path);
+
+/// Returns the names in @p folder but for "." and "..", in byte order, so that what depends on the order is
+/// the same on every disk; none for a folder that cannot be read. Thread: any.
+[[nodiscard]] std::vector<std::string> listFolder(const std::string& folder);
+
+/// Makes one folder. Returns the reason of a failure, which an existing path is too. Thread: any.
+[[nodiscard]] std::error_code createFolder(const std::string& path);
+
+enum class ExistingFile { Refuse, Overwrite };
+
+/// Writes the content of the regular file @p source into @p destination, in place. On success the whole copy
+/// is on the medium, content and name. Where the room for it can be told beforehand and is not there,
+/// @p destination keeps what it held; after any other failure it may hold part of the copy.
+/// Returns the reason of a failure. Thread: any. Blocks until the medium has the copy.
+[[nodiscard]] std::error_code copyFile(const std::string& source, const std::string& destination,
+                                       ExistingFile existing);
+
+/// Removes the file @p path for good: it does not come back after a power cut.
+/// Returns the reason of a failure. Thread: any. Blocks until the medium knows.
+[[nodiscard]] std::error_code removeFile(const std::string& path);
+
+} // namespace os
