@@ -66,15 +66,16 @@ constexpr std::uint16_t multiplied(std::uint16_t a, std::uint16_t b) {
     return static_cast<std::uint16_t>(product);
 }
 
-// Returns the remainder @p crc once @p bytes zero bytes have followed.
-constexpr std::uint16_t followedByZeros(std::uint16_t crc, std::size_t bytes) {
-    std::uint16_t power = kXToTheEighth;
-    for (; bytes != 0; bytes >>= 1) {
+// Returns x to the power of the bits in @p bytes bytes: what a remainder is multiplied by when so many follow
+// it.
+constexpr std::uint16_t powerOfBytes(std::size_t bytes) {
+    std::uint16_t result = kOne;
+    for (std::uint16_t power = kXToTheEighth; bytes != 0; bytes >>= 1) {
         if ((bytes & 1) != 0)
-            crc = multiplied(crc, power);
+            result = multiplied(result, power);
         power = multiplied(power, power);
     }
-    return crc;
+    return result;
 }
 
 std::uint16_t remainderInParts(std::string_view bytes) {
@@ -85,12 +86,13 @@ std::uint16_t remainderInParts(std::string_view bytes) {
             parts[part].process_byte(static_cast<unsigned char>(bytes[part * length + i]));
     }
     std::uint16_t whole = 0;
+    const std::uint16_t onePart = powerOfBytes(length);
     for (const Remainder& part : parts)
-        whole = followedByZeros(whole, length) ^ part.checksum();
+        whole = multiplied(whole, onePart) ^ part.checksum();
     const std::string_view behind = bytes.substr(kParts * length);
     Remainder rest;
     rest.process_bytes(behind.data(), behind.size());
-    return followedByZeros(whole, behind.size()) ^ rest.checksum();
+    return multiplied(whole, powerOfBytes(behind.size())) ^ rest.checksum();
 }
 
 } // namespace
