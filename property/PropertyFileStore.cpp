@@ -17,12 +17,18 @@ namespace {
 
 std::wstring backupOf(const std::wstring& file) { return file + L".bak"; }
 
+// What is larger is no property file, whatever it is: a folder tells such a size.
+constexpr std::uint32_t kLargestFile = 256U * 1024 * 1024;
+
 // Returns the bytes of the file; nothing if it is there and cannot be read whole. An absent file has none.
 std::optional<std::string> readFile(const std::wstring& path) {
     FileStream stream(path, FileRead);
     if (!stream.isGood())
         return std::string();
-    std::string bytes(stream.size(), '\0');
+    const std::uint32_t length = stream.size();
+    if (length > kLargestFile)
+        return {};
+    std::string bytes(length, '\0');
     const auto size = static_cast<std::int32_t>(bytes.size());
     if (size > 0 && stream.read(bytes.data(), size) != size)
         return {};
@@ -117,10 +123,10 @@ void PropertyFileWriter::putBack(std::vector<FileWriteRequest> batch) {
 bool PropertyFileWriter::rewrite(const std::vector<FileWriteRequest>& batch) {
     const KeltoGuard guard(m_fileLock);
     const std::wstring& file = batch.front().file;
-    const std::optional<std::string> old = readFile(file);
+    std::optional<std::string> old = m_brokenOff ? m_brokenOff : readFile(file);
     if (!old)
         return false;
-    if (!m_backupIsComplete && hasGoodFileCheck(*old))
+    if (!m_backupIsComplete && !m_brokenOff && hasGoodFileCheck(*old))
         m_backupIsComplete = copyFileWhole(file, backupOf(file), true);
 
     std::vector<PropertyFileLine> changes;
@@ -132,7 +138,9 @@ bool PropertyFileWriter::rewrite(const std::vector<FileWriteRequest>& batch) {
         mergeLines(hasLines ? std::string_view(*old).substr(0, old->size() - kFileCheckSize) : "", changes);
     if (merged.hasNewLine)
         m_backupIsComplete = false;
-    return writeFile(file, withFileCheck(std::move(merged.lines)));
+    const bool isWritten = writeFile(file, withFileCheck(std::move(merged.lines)));
+    m_brokenOff = isWritten ? std::optional<std::string>() : std::move(old);
+    return isWritten;
 }
 
 PropertyFileStore::PropertyFileStore(const std::shared_ptr<ThreadFactory>& threads,

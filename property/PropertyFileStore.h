@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -61,6 +62,9 @@ private:
 
     KeltoMutex m_fileLock;
     bool m_backupIsComplete KELTO_GUARDED_BY(m_fileLock) = false;
+    // What the file held before a rewrite that failed on the way: what is left of it there is not to be built
+    // on.
+    std::optional<std::string> m_brokenOff KELTO_GUARDED_BY(m_fileLock);
     KeltoMutex m_queueLock;
     std::deque<FileWriteRequest> m_writeQueue KELTO_GUARDED_BY(m_queueLock);
     std::unique_ptr<Event> m_writeEvent;

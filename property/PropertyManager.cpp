@@ -144,7 +144,10 @@ void PropertyManager::writeWhenChanged(Property& property) {
         });
 }
 
-void PropertyManager::startWorker() { m_removalThread->start(new std::shared_ptr<Removals>(m_removals)); }
+void PropertyManager::startWorker() {
+    if (!std::exchange(m_workerIsStarted, true))
+        m_removalThread->start(new std::shared_ptr<Removals>(m_removals));
+}
 
 void PropertyManager::removeProperty(const std::shared_ptr<Property>& property,
                                      std::shared_ptr<SimpleEvent> done) {

@@ -71,6 +71,7 @@ private:
     std::shared_ptr<Removals> m_removals;
     std::shared_ptr<Self> m_self;
     std::shared_ptr<Thread> m_removalThread;
+    bool m_workerIsStarted = false;
     std::deque<std::shared_ptr<Property>> m_persistentProperties KELTO_GUARDED_BY(m_persistentLock);
     KeltoMutex m_persistentLock; // serialises the queuing of writes, too
     std::shared_ptr<TriggerProperty> m_loadTrigger;

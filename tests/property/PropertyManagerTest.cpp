@@ -9,8 +9,10 @@
 #include "tests/support/DeviceRootTest.h"
 
 #include <atomic>
+#include <csignal>
 #include <fstream>
 #include <sstream>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -253,6 +255,36 @@ TEST_F(PropertyManagerTest, AFullMediumLosesNothingThatItHasRoomForLater) {
     other->setValue(1); // the next change wakes the writer
     finish();
     EXPECT_EQ(read(file()), good("G:A|g:n=50\nG:B|g:n=1\n"));
+}
+
+TEST_F(PropertyManagerTest, ARewriteThatBreaksOffIsNotBuiltOn) {
+    const std::string longText(100'000, 'x');
+    write(file(), good("G:A|g:n=1\nG:L|g:n=" + longText + "\nG:B|g:n=2\n"));
+    start();
+    const auto one = add<UInt32Property>("A", 0U);
+    const auto other = add<UInt32Property>("B", 0U);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{50'000, before.rlim_max};
+    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    one->setValue(8);
+    const bool isBroken = eventually([this] { return std::filesystem::file_size(file()) == 50'000; });
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, ignored);
+    EXPECT_TRUE(isBroken);
+    other->setValue(9);
+    finish();
+    EXPECT_EQ(read(file()), good("G:A|g:n=8\nG:L|g:n=" + longText + "\nG:B|g:n=9\n"));
+}
+
+TEST_F(PropertyManagerTest, AFolderInThePlaceOfTheFileIsNoFile) {
+    std::filesystem::create_directory(file());
+    start();
+    EXPECT_TRUE(loadingFailed());
+    add<UInt32Property>("A", 0U)->setValue(1);
+    finish();
+    EXPECT_TRUE(std::filesystem::is_directory(file()));
 }
 
 TEST_F(PropertyManagerTest, LargeFilesAndLongLinesLoadAndChange) {
