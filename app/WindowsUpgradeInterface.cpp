@@ -4,6 +4,7 @@
 #include "app/UpgradeSharedRecord.h"
 
 #include <cstring>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -132,7 +133,7 @@ void WindowsUpgradeInterface::takeCodes() {
 }
 
 void WindowsUpgradeInterface::takeCode(std::uint8_t code) {
-    const std::scoped_lock step(m_stepLock);
+    const KeltoGuard step(m_stepLock);
     deliverPayload(messageRule(code));
     handleMessage(code);
 }
@@ -162,7 +163,7 @@ void WindowsUpgradeInterface::deliverPayload(const MessageRule& rule) {
 }
 
 void WindowsUpgradeInterface::handleMessage(std::uint8_t code) {
-    const std::scoped_lock step(m_stepLock);
+    const KeltoGuard step(m_stepLock);
     const MessageRule& rule = messageRule(code);
     switch (rule.effect) {
     case MessageEffect::Nothing:
@@ -212,7 +213,7 @@ void WindowsUpgradeInterface::handleFileFound() {
 }
 
 void WindowsUpgradeInterface::sendUserAction(UserAction action) {
-    const std::scoped_lock step(m_stepLock);
+    const KeltoGuard step(m_stepLock);
     switch (action) {
     case UserAction::ActionUpgrade:
         upgrade();

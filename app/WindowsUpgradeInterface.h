@@ -2,10 +2,10 @@
 
 #include "app/UpgradeInterface.h"
 #include "app/UpgradePlatform.h"
+#include "platform/KeltoMutex.h"
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 struct UpgradeSharedRecord;
@@ -46,14 +46,14 @@ private:
     void takeCodes();
     void takeCode(std::uint8_t code);
     void handleMessage(std::uint8_t code);
-    void handleFileFound();
+    void handleFileFound() KELTO_REQUIRES(m_stepLock);
 
     void deliverPayload(const MessageRule& rule);
-    void upgrade();
-    void dismiss();
+    void upgrade() KELTO_REQUIRES(m_stepLock);
+    void dismiss() KELTO_REQUIRES(m_stepLock);
     void send(std::uint8_t command);
-    void show(UpgradeDisplay display);
-    void announce();
+    void show(UpgradeDisplay display) KELTO_REQUIRES(m_stepLock);
+    void announce() KELTO_REQUIRES(m_stepLock);
     void reportProgress(UpgradeProgressMsg stage);
     void reportRepairAvailable(bool available);
 
@@ -65,9 +65,9 @@ private:
     std::uint8_t m_readIndex = 0;  // the listener's own
     std::thread m_listener;
 
-    std::recursive_mutex m_stepLock;                               // comes before the mutex of m_platform
-    UpgradeDisplay m_currentDisplay = UpgradeDisplay::DisplayIdle; // guarded by m_stepLock
-    bool m_repairLatched = false;                                  // guarded by m_stepLock
+    KeltoMutex m_stepLock; // comes before the mutex of m_platform
+    UpgradeDisplay m_currentDisplay KELTO_GUARDED_BY(m_stepLock) = UpgradeDisplay::DisplayIdle;
+    bool m_repairLatched KELTO_GUARDED_BY(m_stepLock) = false;
 
     DisplayHandler m_displayHandler;
     ProgressHandler m_progressHandler;
