@@ -34,15 +34,33 @@ void forEachLine(std::string_view text, bool withRest, Take take) {
     }
 }
 
-bool parseLine(std::string_view line, PropertyFileEntries& entries) {
+std::string_view keyOf(std::string_view line) {
     const std::size_t keyEnd = line.find(kKeyEnd);
-    if (keyEnd == 0 || keyEnd == std::string_view::npos)
+    return keyEnd == std::string_view::npos ? std::string_view() : line.substr(0, keyEnd);
+}
+
+bool parseLine(std::string_view line, PropertyFileEntries& entries) {
+    const std::string_view key = keyOf(line);
+    if (key.empty())
         return false;
-    const std::size_t prefixEnd = line.find(kPrefixEnd, keyEnd);
+    const std::size_t prefixEnd = line.find(kPrefixEnd, key.size());
     const bool hasValue = prefixEnd != std::string_view::npos;
-    entries.assign(
-        {line.substr(0, keyEnd), line.substr(0, prefixEnd), hasValue ? line.substr(prefixEnd + 1) : line});
+    entries.assign({key, line.substr(0, prefixEnd), hasValue ? line.substr(prefixEnd + 1) : line});
     return true;
+}
+
+using Lines = std::vector<std::string_view>;
+
+// Returns the line that @p change is to replace, or the end.
+Lines::iterator placeOf(const PropertyFileLine& change, Lines& lines) {
+    auto place = std::ranges::find_if(
+        lines, [&change](std::string_view line) { return line.starts_with(change.prefix()); });
+    const std::string_view key = keyOf(change.text);
+    for (auto line = place; line != lines.end() && !key.empty(); ++line) {
+        if (keyOf(*line) == key)
+            place = line;
+    }
+    return place;
 }
 
 // A CRC depends on the byte before at every byte. A long text is therefore checked in several parts side by
@@ -137,6 +155,16 @@ std::string propertyLinePrefix(const Property& property) {
            property.getName();
 }
 
+std::string linesWithKeys(std::string_view file) {
+    std::string lines;
+    file.remove_suffix(std::min(file.size(), kFileCheckSize));
+    forEachLine(file, false, [&lines](std::string_view line) {
+        if (!keyOf(line).empty())
+            lines.append(line).append(1, kLineEnd);
+    });
+    return lines;
+}
+
 PropertyFileLine::PropertyFileLine(std::string_view linePrefix, std::string_view value)
     : prefixSize(linePrefix.size()) {
     text.reserve(linePrefix.size() + 1 + value.size());
@@ -144,12 +172,11 @@ PropertyFileLine::PropertyFileLine(std::string_view linePrefix, std::string_view
 }
 
 MergedLines mergeLines(std::string_view lines, std::span<const PropertyFileLine> changes) {
-    std::vector<std::string_view> result;
+    Lines result;
     forEachLine(lines, true, [&result](std::string_view line) { result.push_back(line); });
     MergedLines merged;
     for (const PropertyFileLine& change : changes) {
-        const auto place = std::ranges::find_if(
-            result, [&change](std::string_view line) { return line.starts_with(change.prefix()); });
+        const auto place = placeOf(change, result);
         if (place != result.end()) {
             *place = change.text;
         } else {

@@ -55,6 +55,10 @@ struct MergedLines {
     bool hasNewLine = false; ///< Whether a line had to be added.
 };
 
+/// Returns the lines of @p file, which may be damaged, that have a key; not what stands behind the last 0x0A.
+std::string linesWithKeys(std::string_view file);
+
 /// Puts @p changes into @p lines, one after the other: each takes the place of the first line that begins
-/// with its prefix, or goes to the end. All other lines stay as they are.
+/// with its prefix, or of a later one with the same key, which would count instead; or it goes to the end.
+/// All other lines stay as they are.
 MergedLines mergeLines(std::string_view lines, std::span<const PropertyFileLine> changes);

@@ -35,10 +35,11 @@ std::vector<PropertyFileEntry> PropertyFileEntries::assignKnown(PropertyFileEntr
     takeOverBytes(other);
     std::vector<PropertyFileEntry> known;
     for (const PropertyFileEntry& entry : other) {
-        if (find(entry.key) == nullptr)
+        const PropertyFileEntry* own = find(entry.key);
+        if (own == nullptr)
             continue;
-        assign(entry);
-        known.push_back(entry);
+        known.push_back({own->key, own->linePrefix, entry.value});
+        assign(known.back());
     }
     return known;
 }

@@ -30,7 +30,8 @@ public:
     /// Assigns all entries of @p other and takes over its bytes.
     void assignAll(PropertyFileEntries other);
 
-    /// Assigns those entries of @p other whose keys are known here, and takes over its bytes. Returns them.
+    /// Gives the entries here the values that @p other has for their keys, and takes over its bytes. Returns
+    /// those entries, with the line prefixes that they have here.
     std::vector<PropertyFileEntry> assignKnown(PropertyFileEntries other);
 
     /// Returns the entry, or null.

@@ -24,7 +24,7 @@ constexpr std::uint32_t kLargestFile = 256U * 1024 * 1024;
 std::optional<std::string> readFile(const std::wstring& path) {
     FileStream stream(path, FileRead);
     if (!stream.isGood())
-        return std::string();
+        return pathExists(path) ? std::optional<std::string>() : std::string();
     const std::uint32_t length = stream.size();
     if (length > kLargestFile)
         return {};
@@ -39,6 +39,16 @@ bool writeFile(const std::wstring& path, const std::string& bytes) {
     FileStream stream(path, FileWrite | FileTruncate);
     const auto size = static_cast<std::int32_t>(bytes.size());
     return stream.isGood() && stream.write(bytes.data(), size) == size && stream.sync();
+}
+
+bool loads(const std::string& file) {
+    PropertyFileEntries ignored;
+    return parsePropertyFile(file, ignored);
+}
+
+std::string linesOf(std::string file) {
+    file.resize(file.size() - kFileCheckSize);
+    return file;
 }
 
 // A number that its property refuses leaves the property as it is.
@@ -65,8 +75,12 @@ PropertyFileWriter::PropertyFileWriter() : m_writeEvent(createEvent(true)) {}
 void PropertyFileWriter::queueLine(std::string_view linePrefix, std::string_view value,
                                    const std::wstring& file, std::wstring removeAfterwards) {
     FileWriteRequest request{{linePrefix, value}, file, std::move(removeAfterwards)};
+    if (request.line.text.find('\n') != std::string::npos)
+        return; // it would end its line early, and the file would not load any more
     {
         const KeltoGuard guard(m_queueLock);
+        if (m_isStopped)
+            return;
         m_writeQueue.push_back(std::move(request));
     }
     m_writeEvent->set(WorkBit);
@@ -78,10 +92,31 @@ void PropertyFileWriter::run() {
     drainWriteQueue();
 }
 
-void PropertyFileWriter::stop() { m_writeEvent->set(StopBit); }
+void PropertyFileWriter::stop() {
+    {
+        const KeltoGuard guard(m_queueLock);
+        m_isStopped = true;
+    }
+    m_writeEvent->set(StopBit);
+}
+
+std::string PropertyFileWriter::queuedLines(const std::wstring& file) {
+    std::string lines;
+    const KeltoGuard guard(m_queueLock);
+    for (const FileWriteRequest& request : m_writeQueue) {
+        if (request.file == file)
+            lines.append(request.line.text).append(1, '\n');
+    }
+    return lines;
+}
 
 void PropertyFileWriter::drainWriteQueue() {
-    for (std::vector<FileWriteRequest> batch = takeBatch(); !batch.empty(); batch = takeBatch()) {
+    for (;;) {
+        // From the queue into the file under one lock: a load finds a line in one of them.
+        const KeltoGuard guard(m_fileLock);
+        std::vector<FileWriteRequest> batch = takeBatch();
+        if (batch.empty())
+            return;
         if (!rewrite(batch)) {
             putBack(std::move(batch));
             return;
@@ -120,25 +155,38 @@ void PropertyFileWriter::putBack(std::vector<FileWriteRequest> batch) {
                         std::make_move_iterator(latest.end()));
 }
 
+std::optional<std::string> PropertyFileWriter::linesToBuildOn(const std::wstring& file) {
+    if (m_brokenOff)
+        return m_brokenOff;
+    const std::optional<std::string> bytes = readFile(file);
+    if (!bytes)
+        return {};
+    if (!bytes->empty() && (*bytes == m_lastWritten || loads(*bytes))) {
+        const bool isCovered = m_backupIsComplete && pathExists(backupOf(file));
+        if (!isCovered && !copyFileWhole(file, backupOf(file), true))
+            return {}; // a rewrite that breaks off would leave nothing whole
+        m_backupIsComplete = true;
+        return linesOf(*bytes);
+    }
+    // What is left of a damaged file is built on only where there is nothing better.
+    const std::optional<std::string> copied = readFile(backupOf(file));
+    return copied && loads(*copied) ? linesOf(*copied) : linesWithKeys(*bytes);
+}
+
 bool PropertyFileWriter::rewrite(const std::vector<FileWriteRequest>& batch) {
-    const KeltoGuard guard(m_fileLock);
     const std::wstring& file = batch.front().file;
-    std::optional<std::string> old = m_brokenOff ? m_brokenOff : readFile(file);
+    std::optional<std::string> old = linesToBuildOn(file);
     if (!old)
         return false;
-    if (!m_backupIsComplete && !m_brokenOff && hasGoodFileCheck(*old))
-        m_backupIsComplete = copyFileWhole(file, backupOf(file), true);
-
     std::vector<PropertyFileLine> changes;
     changes.reserve(batch.size());
     for (const FileWriteRequest& request : batch)
         changes.push_back(request.line);
-    const bool hasLines = old->size() > kFileCheckSize;
-    MergedLines merged =
-        mergeLines(hasLines ? std::string_view(*old).substr(0, old->size() - kFileCheckSize) : "", changes);
+    MergedLines merged = mergeLines(*old, changes);
     if (merged.hasNewLine)
         m_backupIsComplete = false;
-    const bool isWritten = writeFile(file, withFileCheck(std::move(merged.lines)));
+    m_lastWritten = withFileCheck(std::move(merged.lines));
+    const bool isWritten = writeFile(file, m_lastWritten);
     m_brokenOff = isWritten ? std::optional<std::string>() : std::move(old);
     return isWritten;
 }
@@ -170,6 +218,8 @@ bool PropertyFileStore::loadFiles(const PropertyTable& table, const std::wstring
 bool PropertyFileStore::readFiles(const std::wstring& file, const std::wstring& overrideFile,
                                   Loaded& loaded) {
     const KeltoGuard guard(m_writer->fileLock());
+    m_writer->drainWriteQueue(); // a load must not bring back what a set has replaced
+    m_writer->setBackupIsComplete(false);
     const bool isWhole = parseFile(file, loaded.entries);
     if (!isWhole && !takeFromBackup(file, loaded.entries))
         return false;
@@ -177,6 +227,9 @@ bool PropertyFileStore::readFiles(const std::wstring& file, const std::wstring& 
     loaded.hasOverride = pathExists(overrideFile) && parseFile(overrideFile, overrides);
     if (loaded.hasOverride)
         loaded.overridden = loaded.entries.assignKnown(std::move(overrides));
+    PropertyFileEntries queued; // what there was no room for
+    static_cast<void>(parsePropertyFile(withFileCheck(m_writer->queuedLines(file)), queued));
+    loaded.entries.assignAll(std::move(queued));
     m_writer->setBackupIsComplete(isWhole ? copyFileWhole(file, backupOf(file), true)
                                           : copyFileWhole(backupOf(file), file, true));
     return true;
@@ -209,7 +262,8 @@ void PropertyFileStore::queueOverrides(const Loaded& loaded, const std::wstring&
 void PropertyFileStore::applyEntries(const PropertyTable& table, PropertyFileEntries entries) {
     for (const PropertyFileEntry& entry : entries) {
         const SplitKey key = splitKey(entry.key);
-        if (const std::shared_ptr<Property> property = table.findProperty(key.guid, key.groupGuid)) {
+        const bool isFullKey = key.guid.size() < entry.key.size(); // else it has no ":"
+        if (const auto property = isFullKey ? table.findProperty(key.guid, key.groupGuid) : nullptr) {
             loadQuietly(*property, entry.value);
             entries.take(entry.key);
         }

@@ -34,7 +34,8 @@ class PropertyFileWriter {
 public:
     PropertyFileWriter();
 
-    /// Queues the line @p linePrefix "=" @p value for @p file. Never waits for a file. Thread: any.
+    /// Queues the line @p linePrefix "=" @p value for @p file; not one that holds a 0x0A, nor
+    /// any after stop(). Never waits for a file. Thread: any.
     void queueLine(std::string_view linePrefix, std::string_view value, const std::wstring& file,
                    std::wstring removeAfterwards = {});
 
@@ -46,11 +47,14 @@ public:
     /// Writes what is queued whenever something is, until stop(). Blocks. Thread: the writer's.
     void run();
 
-    /// Lets run() write what is still queued, and end. Thread: any.
+    /// Lets run() write what is still queued, and end; nothing more is queued. Thread: any.
     void stop();
 
     /// Held while a file is rewritten, and while a load reads and copies it.
     KeltoMutex& fileLock() KELTO_RETURN_CAPABILITY(m_fileLock) { return m_fileLock; }
+
+    /// Returns the lines that wait for @p file, each with its 0x0A. Thread: any.
+    std::string queuedLines(const std::wstring& file);
 
     /// Tells whether the copy of the file that was loaded has all its lines. Requires: fileLock() is held.
     void setBackupIsComplete(bool isComplete) KELTO_REQUIRES(m_fileLock) { m_backupIsComplete = isComplete; }
@@ -58,14 +62,17 @@ public:
 private:
     std::vector<FileWriteRequest> takeBatch();
     void putBack(std::vector<FileWriteRequest> batch);
-    [[nodiscard]] bool rewrite(const std::vector<FileWriteRequest>& batch);
+    [[nodiscard]] bool rewrite(const std::vector<FileWriteRequest>& batch) KELTO_REQUIRES(m_fileLock);
+    std::optional<std::string> linesToBuildOn(const std::wstring& file) KELTO_REQUIRES(m_fileLock);
 
     KeltoMutex m_fileLock;
     bool m_backupIsComplete KELTO_GUARDED_BY(m_fileLock) = false;
     // What the file held before a rewrite that failed on the way: what is left of it there is not to be built
     // on.
     std::optional<std::string> m_brokenOff KELTO_GUARDED_BY(m_fileLock);
+    std::string m_lastWritten KELTO_GUARDED_BY(m_fileLock); // a file that holds this is good
     KeltoMutex m_queueLock;
+    bool m_isStopped KELTO_GUARDED_BY(m_queueLock) = false;
     std::deque<FileWriteRequest> m_writeQueue KELTO_GUARDED_BY(m_queueLock);
     std::unique_ptr<Event> m_writeEvent;
 };

@@ -25,7 +25,7 @@ struct RemovalRequest {
 
 /// An application's own table of properties, with a memory: what was stored in its file comes back when a
 /// property is registered, and goes there when it changes. No file work happens on the thread of whoever sets
-/// a property.
+/// a property; a load, which the manager's owner alone can fire, holds the table while it reads.
 ///
 /// The file format is told in PropertyFile.h, what protects the file in PropertyFileStore.h.
 ///

@@ -14,6 +14,7 @@
 #include <sstream>
 #include <sys/resource.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -132,7 +133,7 @@ TEST_F(PropertyManagerTest, AChangeReplacesItsLineAndLeavesTheOthers) {
     number->setValue(3);
     added->setValue("new");
     finish();
-    EXPECT_EQ(read(file()), good("X:Y|unknown:property=kept\nG:A|g:n=3\nG:A|g:old name=2\nG:B|g:n=new\n"));
+    EXPECT_EQ(read(file()), good("X:Y|unknown:property=kept\nG:A|g:n=1\nG:A|g:n=3\nG:B|g:n=new\n"));
     number->setValue(4); // after the manager's end it goes nowhere
 }
 
@@ -257,25 +258,131 @@ TEST_F(PropertyManagerTest, AFullMediumLosesNothingThatItHasRoomForLater) {
     EXPECT_EQ(read(file()), good("G:A|g:n=50\nG:B|g:n=1\n"));
 }
 
-TEST_F(PropertyManagerTest, ARewriteThatBreaksOffIsNotBuiltOn) {
-    const std::string longText(100'000, 'x');
-    write(file(), good("G:A|g:n=1\nG:L|g:n=" + longText + "\nG:B|g:n=2\n"));
+// A medium with room for so many bytes a file: what is written beyond that breaks off.
+class SmallMedium {
+public:
+    explicit SmallMedium(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        m_ignored = std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small{bytes, m_before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallMedium() {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_ignored);
+    }
+    SmallMedium(const SmallMedium&) = delete;
+    SmallMedium& operator=(const SmallMedium&) = delete;
+
+private:
+    rlimit m_before{};
+    void (*m_ignored)(int) = nullptr;
+};
+
+std::string valuesOf(const std::wstring& path) {
+    PropertyFileEntries entries;
+    std::string values = PropertyFileStore::parseFile(path, entries) ? "" : "damaged ";
+    for (const PropertyFileEntry& entry : entries)
+        values.append(entry.value).append(" ");
+    return values;
+}
+
+TEST_F(PropertyManagerTest, ARewriteThatBreaksOffAnywhereLosesAndInventsNothing) {
+    const std::wstring path = L"/store/AppPreferences.ini";
+    const std::string before = good("G:A|g:n=111111\nG:B|g:n=222222\nG:C|g:n=333333\n");
+    for (rlim_t room = 0; room <= before.size(); ++room) {
+        for (const bool hasCopy : {true, false}) {
+            for (const bool goesOn : {true, false}) {
+                write(file(), before);
+                hasCopy ? write(backup(), before) : static_cast<void>(std::filesystem::remove(backup()));
+                auto writer = std::make_unique<PropertyFileWriter>();
+                {
+                    const SmallMedium medium(room);
+                    writer->queueLine("G:A|g:n", "444444", path);
+                    writer->drainWriteQueue();
+                }
+                if (!goesOn)
+                    writer = std::make_unique<PropertyFileWriter>(); // another start
+                writer->queueLine("G:C|g:n", "555555", path);
+                writer->drainWriteQueue();
+                const bool isChanged = goesOn || room == before.size();
+                EXPECT_EQ(valuesOf(path), isChanged ? "444444 222222 555555 " : "111111 222222 555555 ")
+                    << room << hasCopy << goesOn;
+            }
+        }
+    }
+}
+
+TEST_F(PropertyManagerTest, AValueWithALineEndIsNotWrittenAndHarmsNoOther) {
     start();
-    const auto one = add<UInt32Property>("A", 0U);
-    const auto other = add<UInt32Property>("B", 0U);
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit small{50'000, before.rlim_max};
-    const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
-    one->setValue(8);
-    const bool isBroken = eventually([this] { return std::filesystem::file_size(file()) == 50'000; });
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
-    std::signal(SIGXFSZ, ignored);
-    EXPECT_TRUE(isBroken);
-    other->setValue(9);
+    const auto text = add<StringProperty>("A", "");
+    const auto number = add<UInt32Property>("B", 0U);
+    text->setValue("one");
+    text->setValue("two\nlines");
+    number->setValue(7);
     finish();
-    EXPECT_EQ(read(file()), good("G:A|g:n=8\nG:L|g:n=" + longText + "\nG:B|g:n=9\n"));
+    EXPECT_EQ(read(file()), good("G:A|g:n=one\nG:B|g:n=7\n"));
+}
+
+TEST_F(PropertyManagerTest, AFileThatCannotBeReadIsNotTakenForAnEmptyOne) {
+    constexpr uid_t kNobody = 65534; // root reads everything
+    const std::string before = good("G:A|g:n=1\nG:B|g:n=2\n");
+    write(file(), before);
+    std::filesystem::permissions(root(), std::filesystem::perms::all);
+    std::filesystem::permissions(root() / "store", std::filesystem::perms::all);
+    std::filesystem::permissions(file(), std::filesystem::perms{0222});
+    const bool isRoot = ::geteuid() == 0;
+    PropertyFileWriter writer;
+    writer.queueLine("G:A|g:n", "3", L"/store/AppPreferences.ini");
+    ASSERT_EQ(isRoot ? ::seteuid(kNobody) : 0, 0);
+    writer.drainWriteQueue();
+    ASSERT_EQ(isRoot ? ::seteuid(0) : 0, 0);
+    std::filesystem::permissions(file(), std::filesystem::perms{0666});
+    EXPECT_EQ(read(file()), before);
+    writer.drainWriteQueue();
+    EXPECT_EQ(read(file()), good("G:A|g:n=3\nG:B|g:n=2\n"));
+}
+
+TEST_F(PropertyManagerTest, AfterBothWereDamagedValuesPersistAgain) {
+    write(file(), "G:A|g:n=1\ntorn\nG:B|g");
+    write(backup(), "bad");
+    start();
+    add<UInt32Property>("B", 5U)->setValue(6);
+    start();
+    EXPECT_FALSE(loadingFailed());
+    EXPECT_EQ(add<UInt32Property>("A", 0U)->getValue(), 1U);
+    EXPECT_EQ(add<UInt32Property>("B", 5U)->getValue(), 6U);
+}
+
+TEST_F(PropertyManagerTest, ALoadDoesNotBringBackWhatASetHasReplaced) {
+    write(file(), good("G:A|g:n=1\n"));
+    start();
+    const auto number = add<UInt32Property>("A", 0U);
+    for (std::uint32_t value = 2; value < 30; ++value) {
+        number->setValue(value);
+        manager->loadTrigger()->setValue(true);
+        ASSERT_EQ(number->getValue(), value);
+    }
+}
+
+TEST_F(PropertyManagerTest, AfterItsEndNothingMoreIsWritten) {
+    start();
+    const auto number = add<UInt32Property>("A", 0U);
+    std::atomic<bool> isDone = false;
+    std::thread setter([&] {
+        for (std::uint32_t value = 1; !isDone; ++value)
+            number->setValue(value);
+    });
+    ASSERT_TRUE(eventually([this] { return std::filesystem::exists(file()); }));
+    finish();
+    ASSERT_TRUE(eventually(
+        [this] { return valuesOf(L"/store/AppPreferences.ini").find("damaged") == std::string::npos; }));
+    const std::string atTheEnd = read(file());
+    const std::uint32_t value = number->getValue();
+    ASSERT_TRUE(eventually([&] { return number->getValue() > value + 1000; }));
+    isDone = true;
+    setter.join();
+    EXPECT_EQ(read(file()), atTheEnd);
 }
 
 TEST_F(PropertyManagerTest, AFolderInThePlaceOfTheFileIsNoFile) {

@@ -35,11 +35,11 @@ std::string executablePath() {
 }
 
 const std::string& executableFolder() {
-    static const std::string folder = [] {
+    static const auto& folder = *new std::string([] {
         const std::string path = executablePath();
         const std::size_t slash = path.rfind('/');
         return slash == std::string::npos ? std::string() : path.substr(0, slash);
-    }();
+    }());
     return folder;
 }
 
@@ -67,7 +67,7 @@ std::string defaultDeviceRoot() {
 }
 
 std::string& currentDeviceRoot() {
-    static std::string root = defaultDeviceRoot();
+    static auto& root = *new std::string(defaultDeviceRoot()); // for threads that outlive the statics
     return root;
 }
 

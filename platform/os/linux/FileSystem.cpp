@@ -64,6 +64,9 @@ std::error_code reserveRoom(const Descriptor& file, off_t size) {
 
 // The end is cut last, and not the whole file first: until new bytes come the old ones stay.
 std::error_code replaceContent(const Descriptor& source, off_t size, const Descriptor& destination) {
+    // First the source: while its copy is written over, it is the one that must be on the medium.
+    if (retried([&] { return ::fsync(source.value()); }) != 0)
+        return lastFailure();
     if (const auto failure = reserveRoom(destination, size))
         return failure;
     off_t copied = 0;
@@ -79,8 +82,8 @@ std::error_code syncFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const Descriptor folder =
         opened(slash == std::string::npos ? "." : path.substr(0, slash + 1), O_RDONLY | O_DIRECTORY);
-    if (!folder.isOpen())
-        return lastFailure();
+    if (!folder.isOpen()) // one that may be written but not read cannot be synced by us
+        return errno == EACCES ? std::error_code() : lastFailure();
     if (retried([&] { return ::fsync(folder.value()); }) == 0 || errno == EINVAL)
         return {}; // EINVAL: a file system that keeps no folders to sync
     return lastFailure();
