@@ -92,6 +92,7 @@ TEST(EventWait, OneSignalOfAnAutoResetEventEndsTheWaitOfOneOfMany) {
     const auto event = createEvent(true);
     std::atomic<int> ended = 0;
     std::vector<std::thread> waiters;
+    waiters.reserve(4);
     for (int i = 0; i < 4; ++i) {
         waiters.emplace_back([&] {
             event->waitAny(1);

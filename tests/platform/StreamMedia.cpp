@@ -19,7 +19,7 @@ namespace {
 
 class FileMedium final : public StreamMedium {
 public:
-    explicit FileMedium(std::filesystem::path root) : m_folder(std::move(root) / "store") {
+    explicit FileMedium(const std::filesystem::path& root) : m_folder(root / "store") {
         std::filesystem::create_directory(m_folder);
     }
 

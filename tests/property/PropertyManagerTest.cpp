@@ -376,7 +376,7 @@ TEST_F(PropertyManagerTest, AfterItsEndNothingMoreIsWritten) {
     ASSERT_TRUE(eventually([this] { return std::filesystem::exists(file()); }));
     finish();
     ASSERT_TRUE(eventually(
-        [this] { return valuesOf(L"/store/AppPreferences.ini").find("damaged") == std::string::npos; }));
+        [] { return valuesOf(L"/store/AppPreferences.ini").find("damaged") == std::string::npos; }));
     const std::string atTheEnd = read(file());
     const std::uint32_t value = number->getValue();
     ASSERT_TRUE(eventually([&] { return number->getValue() > value + 1000; }));

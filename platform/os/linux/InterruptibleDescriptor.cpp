@@ -106,21 +106,25 @@ Transfer InterruptibleDescriptor::write(const void* buffer, std::size_t size) {
         return {0, closedFailure()};
     const char* bytes = static_cast<const char*>(buffer);
     bool hungUp = false;
+    auto stallEnd = Clock::now() + m_stallLimit; // only progress moves it on
     for (std::size_t sent = 0;;) {
         const std::ptrdiff_t count = writeSome(bytes + sent, size - sent);
         if (count < 0 && errno != EAGAIN)
             return {sent, lastFailure()};
-        if (count > 0)
+        if (count > 0) {
             sent += static_cast<std::size_t>(count);
+            stallEnd = Clock::now() + m_stallLimit;
+        }
         if (sent == size)
             return {sent, {}};
         if (count < 0 && hungUp)
             return {sent, hungUpFailure()};
         // Also after progress: a peer that takes byte after byte must not keep a close() waiting.
-        const Wake wake = await(POLLOUT, m_stallLimit);
+        const auto left = std::chrono::ceil<milliseconds>(stallEnd - Clock::now());
+        const Wake wake = await(POLLOUT, std::max(left, milliseconds(0)));
         if (wake == Wake::Closed)
             return {sent, closedFailure()};
-        if (wake == Wake::TimedOut)
+        if (wake == Wake::TimedOut || (left.count() <= 0 && count <= 0))
             return {sent, std::make_error_code(std::errc::timed_out)};
         if (wake == Wake::Failed)
             return {sent, lastFailure()};

@@ -56,7 +56,7 @@ int main(int argc, char* argv[]) {
         tell("L " + std::to_string(i) + ' ' + std::to_string(properties.back()->getValue()) + '\n');
     }
     for (int set = 0; set < kSets; ++set) {
-        const std::size_t index = (value * 7) % count;
+        const std::size_t index = std::size_t{value} * 7 % count;
         tell("S " + std::to_string(index) + ' ' + std::to_string(value) + '\n');
         properties[index]->setValue(value++);
         ::usleep(300); // for the writer to come between
