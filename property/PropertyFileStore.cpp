@@ -183,7 +183,10 @@ bool PropertyFileWriter::rewrite(const std::vector<FileWriteRequest>& batch) {
     for (const FileWriteRequest& request : batch)
         changes.push_back(request.line);
     MergedLines merged = mergeLines(*old, changes);
-    if (merged.hasNewLine)
+    // The copy lacks a new line; and a value from outside, once its file is gone, stands nowhere else.
+    const bool isFromOutside = std::ranges::any_of(
+        batch, [](const FileWriteRequest& request) { return !request.removeAfterwards.empty(); });
+    if (merged.hasNewLine || isFromOutside)
         m_backupIsComplete = false;
     m_lastWritten = withFileCheck(std::move(merged.lines));
     const bool isWritten = writeFile(file, m_lastWritten);

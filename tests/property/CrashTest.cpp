@@ -1,3 +1,4 @@
+#include "property/PropertyFile.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/DeviceRootTest.h"
 
@@ -30,6 +31,13 @@ protected:
                                                  std::to_string(1 + run / 25), std::to_string(step)};
         std::filesystem::remove(root() / "told");
         return std::make_unique<ChildProcess>(arguments, root() / "told");
+    }
+
+    // A value from outside for the first property, between those of this run and of the one before.
+    void writeOverride(unsigned value) {
+        std::ofstream file(root() / "boot/AppPreferencesOverride.ini", std::ios::binary);
+        file << withFileCheck("G:P0|g:n=" + std::to_string(value) + '\n');
+        m_set[0].insert(value);
     }
 
     [[nodiscard]] bool hasTold() const {
@@ -77,6 +85,8 @@ TEST_F(Crash, AKilledWriterNeverLosesAStoredValueNorInventsOne) {
     std::mt19937 random(4711); // NOLINT(cert-msc51-cpp): the same kills each time
     for (int run = 0; run < kRuns && !HasFailure(); ++run) {
         const bool atAStep = run % 2 == 0;
+        if (run % 10 >= 8)
+            writeOverride(static_cast<unsigned>(run) * 100);
         const auto writer = startWriter(run, atAStep ? 1 + (run / 2) % kStepsOfTwoRewrites : 0);
         if (!atAStep) {
             EXPECT_TRUE(eventually([&] { return hasTold() || !writer->isRunning(); }));

@@ -44,7 +44,7 @@ int main(int argc, char* argv[]) {
     auto value = static_cast<std::uint32_t>(std::stoul(argv[2]));
     const std::size_t count = std::stoul(argv[3]);
     os::setDeviceRoot(root);
-    killAtStep(std::stoi(argv[4]), root + "/store");
+    killAtStep(std::stoi(argv[4]), root + "/store", root + "/boot");
 
     const auto threads = std::make_shared<ThreadFactory>(kPriority);
     const std::wstring file = L"/store/AppPreferences.ini";

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -15,7 +16,7 @@
 namespace {
 
 std::atomic<int> g_stepsLeft = 0; // 0: no step kills
-char g_folder[4096];
+char g_folders[2][4096];
 
 template <typename Function>
 Function next(const char* name) {
@@ -24,7 +25,8 @@ Function next(const char* name) {
 }
 
 bool isBelowFolder(const char* path) {
-    return g_folder[0] != '\0' && std::string(path).starts_with(g_folder);
+    const std::string_view text = path;
+    return text.starts_with(g_folders[0]) || text.starts_with(g_folders[1]);
 }
 
 bool isBelowFolder(int file) {
@@ -53,8 +55,9 @@ auto done(Where where, Step step) {
 
 } // namespace
 
-void killAtStep(int step, const std::string& folder) {
-    std::snprintf(g_folder, sizeof g_folder, "%s", folder.c_str());
+void killAtStep(int step, const std::string& folder, const std::string& otherFolder) {
+    std::snprintf(g_folders[0], sizeof g_folders[0], "%s", folder.c_str());
+    std::snprintf(g_folders[1], sizeof g_folders[1], "%s", otherFolder.c_str());
     g_stepsLeft = step;
 }
 
