@@ -227,11 +227,12 @@ bool PropertyFileStore::readFiles(const std::wstring& file, const std::wstring& 
     if (!isWhole && !takeFromBackup(file, loaded.entries))
         return false;
     PropertyFileEntries overrides;
-    loaded.hasOverride = pathExists(overrideFile) && parseFile(overrideFile, overrides);
+    PropertyFileEntries
+        queued; // what there was no room for, perhaps of this override: it counts more, and comes first
+    static_cast<void>(parsePropertyFile(withFileCheck(m_writer->queuedLines(file)), queued));
+    loaded.hasOverride = queued.empty() && pathExists(overrideFile) && parseFile(overrideFile, overrides);
     if (loaded.hasOverride)
         loaded.overridden = loaded.entries.assignKnown(std::move(overrides));
-    PropertyFileEntries queued; // what there was no room for
-    static_cast<void>(parsePropertyFile(withFileCheck(m_writer->queuedLines(file)), queued));
     loaded.entries.assignAll(std::move(queued));
     m_writer->setBackupIsComplete(isWhole ? copyFileWhole(file, backupOf(file), true)
                                           : copyFileWhole(backupOf(file), file, true));

@@ -179,7 +179,7 @@ TEST_F(PropertyManagerTest, WithBothDamagedDefaultsHoldAndTheBadLinesSurvive) {
 
 TEST_F(PropertyManagerTest, AnOverrideIsTakenOnce) {
     write(file(), good("G:A|g:n=1\nG:B|g:n=2\n"));
-    write(overrideFile(), good("G:A|g:n=8\nG:Z|g:n=9\n"));
+    write(overrideFile(), good("G:A|other:name=8\nG:Z|g:n=9\n"));
     start();
     EXPECT_EQ(add<UInt32Property>("A", 0U)->getValue(), 8U);
     EXPECT_EQ(add<UInt32Property>("Z", 0U)->getValue(), 0U) << "the file does not know it";
@@ -363,6 +363,24 @@ TEST_F(PropertyManagerTest, ALoadDoesNotBringBackWhatASetHasReplaced) {
         manager->loadTrigger()->setValue(true);
         ASSERT_EQ(number->getValue(), value);
     }
+}
+
+TEST_F(PropertyManagerTest, AnOverrideThatWaitsForRoomIsNotTakenAgainOverALaterSet) {
+    write(file(), good("G:A|g:n=1\n"));
+    write(overrideFile(), good("G:A|g:n=8\n"));
+    {
+        const SmallMedium medium(0);
+        start();
+        const auto number = add<UInt32Property>("A", 0U);
+        EXPECT_EQ(number->getValue(), 8U);
+        number->setValue(9);
+        manager->loadTrigger()->setValue(true);
+        EXPECT_EQ(number->getValue(), 9U);
+    }
+    add<UInt32Property>("B", 0U)->setValue(2); // wakes the writer
+    finish();
+    EXPECT_EQ(read(file()), good("G:A|g:n=9\nG:B|g:n=2\n"));
+    EXPECT_FALSE(std::filesystem::exists(overrideFile()));
 }
 
 TEST_F(PropertyManagerTest, AfterItsEndNothingMoreIsWritten) {
