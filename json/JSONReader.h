@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/KeltoMutex.h"
+#include "json/JSONValue.h"
+
+#include <string>
+
+/// Guards what the engine has once in the process. It is held for one parse or one print of a message, never
+/// while a stream is read or written.
+extern KeltoMutex jsonEngineLock;
+
+/// Reads a JSON text; what it ends with, is at its first zero byte. More is taken than RFC 8259 allows:
+/// strings in single quotes, a comma behind an opening bracket, numbers such as "+5", "007" and ".5", and
+/// every byte that begins no token is skipped. Less is given: whole numbers are what atoi() makes of them, of
+/// equal keys the first stays, a "\u0000" ends its text, surrogates are not joined.
+///
+/// Returns null, the value, where the text is none; the standard error stream then tells "error: syntax
+/// error", or "error: memory exhausted" where brackets are nested too deep (about ten thousand of them). The
+/// time is proportional to the length of the text, whatever stands there. Thread: any.
+[[nodiscard]] JSONValue parseJsonText(const char* text) KELTO_REQUIRES(jsonEngineLock);
+
+/// Reads the JSON text of a file, as parseJsonText() does; a zero byte is skipped. @p path is one of the
+/// host. Returns null, the value, also where there is no such file. Ends the process with status 2 where the
+/// medium fails. Thread: any. Blocks for the file.
+[[nodiscard]] JSONValue parseJsonFile(const char* path) KELTO_REQUIRES(jsonEngineLock);
+
+/// Replaces the escapes of a string in double quotes, RFC 8259 section 7, by what they stand for, each "\u"
+/// by its own one to three bytes of UTF-8. A backslash before any other byte goes, with that byte.
+void unescapeText(std::string& text);
