@@ -2,38 +2,58 @@
 
 #include "json/JSONReader.h"
 
-#include <iterator>
-#include <utility>
+#include <algorithm>
 
-void JSONBuilder::pushEscapedText(std::string_view text) {
-    std::string& pushed = m_texts.emplace_back(text);
-    unescapeText(pushed);
-    if (const std::size_t end = pushed.find('\0'); end != std::string::npos)
-        pushed.resize(end);
+namespace {
+
+/// Gives back room that a list was given in vain, so that the tree is never more than twice its size.
+template <typename List>
+void fit(List& list) {
+    if (list.capacity() > 2 * list.size())
+        list.shrink_to_fit();
 }
 
-void JSONBuilder::turnTextIntoValue() {
-    m_values.emplace_back(std::move(m_texts.back()));
-    m_texts.pop_back();
+} // namespace
+
+void JSONBuilder::openObject() { m_levels.emplace_back().members.reserve(m_lastMembers); }
+
+void JSONBuilder::openArray() { m_levels.emplace_back().items.reserve(m_lastItems); }
+
+void JSONBuilder::closeObject() {
+    std::vector<JSONMember> members = std::move(m_levels.back().members);
+    m_levels.pop_back();
+    m_lastMembers = members.size();
+    fit(members);
+    set(JSONObject(std::move(members)));
 }
 
-void JSONBuilder::closeObject(std::size_t count) {
-    std::vector<JSONMember> members;
-    members.reserve(count);
-    const auto values = m_values.end() - static_cast<std::ptrdiff_t>(count);
-    const auto keys = m_texts.end() - static_cast<std::ptrdiff_t>(count);
-    for (auto [key, value] = std::pair(keys, values); key != m_texts.end(); ++key, ++value)
-        members.push_back({std::move(*key), std::move(*value)});
-    m_values.erase(values, m_values.end());
-    m_texts.erase(keys, m_texts.end());
-    m_values.emplace_back(JSONObject(std::move(members)));
+void JSONBuilder::closeArray() {
+    std::vector<JSONValue> items = std::move(m_levels.back().items);
+    m_levels.pop_back();
+    m_lastItems = items.size();
+    fit(items);
+    set(JSONArray(std::move(items)));
 }
 
-void JSONBuilder::closeArray(std::size_t count) {
-    const auto first = m_values.end() - static_cast<std::ptrdiff_t>(count);
-    std::vector<JSONValue> items(std::make_move_iterator(first), std::make_move_iterator(m_values.end()));
-    m_values.erase(first, m_values.end());
-    m_values.emplace_back(JSONArray(std::move(items)));
+void JSONBuilder::addMember(JSONTokenText key) {
+    std::vector<JSONMember>& members = m_levels.back().members;
+    if (m_valueIsText && !key.hasEscapes() && !m_valueText.hasEscapes())
+        members.emplace_back(bytesOf(key), bytesOf(m_valueText));
+    else
+        members.emplace_back(textOf(key), takeValue());
 }
 
-JSONValue JSONBuilder::takeResult() { return std::move(m_values.back()); }
+void JSONBuilder::addItem() { m_levels.back().items.push_back(takeValue()); }
+
+JSONValue JSONBuilder::takeValue() {
+    return m_valueIsText ? JSONValue(textOf(m_valueText)) : std::move(m_value);
+}
+
+std::string JSONBuilder::textOf(JSONTokenText token) const {
+    std::string text(bytesOf(token));
+    if (token.hasEscapes()) {
+        unescapeText(text);
+        text.resize(std::min(text.find('\0'), text.size()));
+    }
+    return text;
+}

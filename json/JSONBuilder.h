@@ -1,40 +1,71 @@
 #pragma once
 
+#include "json/JSONScanner.h"
 #include "json/JSONValue.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-/// Puts a tree together while the parser reduces: what is read stands on two stacks, and a bracket that
-/// closes takes what is its own from their tops, into containers of exactly its size. What a parse leaves
-/// behind that fails goes with the builder.
+/// Puts a tree together while the parser reduces. A value that was just read is taken by the container that
+/// is open before anything else is read, and goes straight into its place. What a parse leaves behind that
+/// fails goes with the builder.
 class JSONBuilder {
 public:
-    void pushInt(std::int64_t number) { m_values.emplace_back(number); }
-    void pushFloat(double number) { m_values.emplace_back(number); }
-    void pushBool(bool truth) { m_values.emplace_back(truth); }
-    void pushNull() { m_values.emplace_back(); }
+    /// Requires: the bytes of @p text, in which the parser reads, outlive this object.
+    explicit JSONBuilder(std::string_view text) : m_text(text) {}
 
-    /// A text between double quotes, with its escapes; it ends at its first zero byte.
-    void pushEscapedText(std::string_view text);
-    void pushText(std::string_view text) { m_texts.emplace_back(text); }
+    // What was read.
+    void setInt(std::int64_t number) { set(number); }
+    void setFloat(double number) { set(number); }
+    void setBool(bool truth) { set(truth); }
+    void setNull() { set({}); }
+    void setText(JSONTokenText token) {
+        m_valueText = token;
+        m_valueIsText = true;
+    }
+    void closeObject();
+    void closeArray();
 
-    /// Makes the last text the last value.
-    void turnTextIntoValue();
+    void openObject();
+    void openArray();
 
-    /// Makes the last @p count texts and values the members of one object, which becomes the last value.
-    void closeObject(std::size_t count);
+    /// Makes it a member of the open object.
+    void addMember(JSONTokenText key);
 
-    /// Makes the last @p count values the items of one array, which becomes the last value.
-    void closeArray(std::size_t count);
+    /// Makes it an item of the open array.
+    void addItem();
 
-    /// Returns the last value.
-    [[nodiscard]] JSONValue takeResult();
+    /// Returns it.
+    [[nodiscard]] JSONValue takeValue();
 
 private:
-    std::vector<JSONValue> m_values;
-    std::vector<std::string> m_texts; // keys, and the text that is not yet known to be one
+    /// A container that is not yet closed; of the two lists one is in use.
+    struct Level {
+        std::vector<JSONMember> members;
+        std::vector<JSONValue> items;
+    };
+
+    void set(JSONValue value) {
+        m_value = std::move(value);
+        m_valueIsText = false;
+    }
+
+    [[nodiscard]] std::string_view bytesOf(JSONTokenText token) const {
+        return m_text.substr(token.begin(), token.end() - token.begin());
+    }
+    [[nodiscard]] std::string textOf(JSONTokenText token) const;
+
+    std::string_view m_text;
+    JSONValue m_value; // or, as most are, a text
+    JSONTokenText m_valueText;
+    bool m_valueIsText = false;
+    std::vector<Level> m_levels;
+
+    // The last containers tell how much room the next ones are given: the items of a message are alike.
+    std::size_t m_lastMembers = 0;
+    std::size_t m_lastItems = 0;
 };

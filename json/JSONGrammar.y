@@ -1,9 +1,10 @@
-/* The language of a JSON text. Values and texts stand in the builder; what a rule has of its own is how many
-   of them are members or items. A text is taken from the scanner's buffer before the next token is read: the
-   states behind a string token leave the parser no choice. */
+/* The language of a JSON text. Values stand in the builder, texts in what is read: no rule owns anything. A
+   bracket opens its container when it is scanned: no rule but the empty ones looks beyond its last token, so all
+   that stands before the bracket is in its place by then. */
 
 %define api.prefix {json}
-%parse-param {JSONBuilder& builder}
+%define api.pure full
+%param {JSONBuilder& builder} {StringRun& run}
 %expect 0
 
 %code requires {
@@ -20,11 +21,14 @@
 #define YYINITDEPTH 200
 #define YYMAXDEPTH 10000
 
-int jsonlex();
+int scanToken(JSONSTYPE* value, JSONBuilder& builder, StringRun& run);
 
-static std::string_view inside(JSONTokenText quoted) { return {quoted.bytes + 1, quoted.size - 2}; }
+static int jsonlex(JSONSTYPE* value, JSONBuilder& builder, StringRun& run) {
+    const int token = run.take(value->text);
+    return token != 0 ? token : scanToken(value, builder, run);
+}
 
-static void jsonerror(JSONBuilder&, const char* message) { std::fprintf(stderr, "error: %s\n", message); }
+static void jsonerror(JSONBuilder&, StringRun&, const char* message) { std::fprintf(stderr, "error: %s\n", message); }
 }
 
 %union {
@@ -32,7 +36,6 @@ static void jsonerror(JSONBuilder&, const char* message) { std::fprintf(stderr, 
     std::int64_t integer;
     double number;
     bool truth;
-    std::size_t count;
 }
 
 %token Comma 258 Colon 259 LeftBracket 260 RightBracket 261 LeftBrace 262 RightBrace 263
@@ -42,41 +45,37 @@ static void jsonerror(JSONBuilder&, const char* message) { std::fprintf(stderr, 
 %token <truth> BooleanToken 268
 %token NullToken 269
 
-%type <count> members items
-
 %start document
 
 %%
 
 document: value;
 
-object: LeftBrace members RightBrace { builder.closeObject($2); };
+object: LeftBrace members RightBrace { builder.closeObject(); };
 
-array: LeftBracket items RightBracket { builder.closeArray($2); };
+array: LeftBracket items RightBracket { builder.closeArray(); };
 
 value:
-    NumberInt    { builder.pushInt($1); }
-  | NumberFloat  { builder.pushFloat($1); }
-  | BooleanToken { builder.pushBool($1); }
-  | NullToken    { builder.pushNull(); }
-  | string       { builder.turnTextIntoValue(); }
+    NumberInt    { builder.setInt($1); }
+  | NumberFloat  { builder.setFloat($1); }
+  | BooleanToken { builder.setBool($1); }
+  | NullToken    { builder.setNull(); }
+  | DoubleQuotedString { builder.setText($1); }
+  | SingleQuotedString { builder.setText($1); }
   | object
   | array
   ;
 
-string:
-    DoubleQuotedString { builder.pushEscapedText(inside($1)); }
-  | SingleQuotedString { builder.pushText(inside($1)); }
-  ;
-
 members:
-    %empty                            { $$ = 0; }
-  | string Colon value                { $$ = 1; }
-  | members Comma string Colon value  { $$ = $1 + 1; }
+    %empty
+  | DoubleQuotedString Colon value               { builder.addMember($1); }
+  | SingleQuotedString Colon value               { builder.addMember($1); }
+  | members Comma DoubleQuotedString Colon value { builder.addMember($3); }
+  | members Comma SingleQuotedString Colon value { builder.addMember($3); }
   ;
 
 items:
-    %empty            { $$ = 0; }
-  | value             { $$ = 1; }
-  | items Comma value { $$ = $1 + 1; }
+    %empty
+  | value             { builder.addItem(); }
+  | items Comma value { builder.addItem(); }
   ;

@@ -4,11 +4,10 @@
 #include "json/JSONBuilder.h"
 #include "json/JSONScanner.h"
 
-#include <algorithm>
+#include <array>
 #include <charconv>
-#include <cstdint>
 #include <cstdio>
-#include <limits>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 
@@ -16,25 +15,38 @@ KeltoMutex jsonEngineLock;
 
 namespace {
 
-/// Ends the scan that was begun, on every way out.
-class ScanEnd {
+/// A scan, from its begin to its end, on every way out.
+class Scan {
 public:
-    ScanEnd() = default;
-    ~ScanEnd() { endScan(); }
+    explicit Scan(std::string_view text) { beginScan(text); }
+    ~Scan() { endScan(); }
 
-    ScanEnd(const ScanEnd&) = delete;
-    ScanEnd& operator=(const ScanEnd&) = delete;
+    Scan(const Scan&) = delete;
+    Scan& operator=(const Scan&) = delete;
 };
 
-JSONValue parseScan() {
-    const ScanEnd end;
-    JSONBuilder builder;
-    return jsonparse(builder) == 0 ? builder.takeResult() : JSONValue();
+JSONValue parse(std::string_view text) {
+    const Scan scan(text);
+    JSONBuilder builder(text);
+    StringRun run(text);
+    return jsonparse(builder, run) == 0 ? builder.takeValue() : JSONValue();
 }
 
 struct FileCloser {
     void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); } // it was only read
 };
+
+std::string readAll(std::FILE& file) {
+    std::string text;
+    std::array<char, 16384> buffer{};
+    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), &file))
+        text.append(buffer.data(), count);
+    if (std::ferror(&file) != 0) {
+        std::fputs("input in flex scanner failed\n", stderr);
+        std::exit(2); // NOLINT(concurrency-mt-unsafe): as told, and under the lock of the engine
+    }
+    return text;
+}
 
 unsigned hexDigits(std::string_view digits) {
     unsigned code = 0;
@@ -72,37 +84,15 @@ std::size_t appendUnescaped(std::string& text, std::string_view rest) {
     return 2;
 }
 
-/// Returns whether a decimal number that no double can hold is too large, not too small.
-bool isLarge(std::string_view digits) {
-    const std::size_t mark = std::min(digits.find_first_of("eE"), digits.size());
-    const std::string_view mantissa = digits.substr(0, mark);
-    std::string_view exponentDigits = digits.substr(std::min(mark + 1, digits.size()));
-    if (exponentDigits.starts_with('+'))
-        exponentDigits.remove_prefix(1);
-    std::int64_t exponent = 0;
-    const char* const end = exponentDigits.data() + exponentDigits.size();
-    if (std::from_chars(exponentDigits.data(), end, exponent).ec == std::errc::result_out_of_range)
-        return !exponentDigits.starts_with('-');
-    const auto point = static_cast<std::int64_t>(std::min(mantissa.find('.'), mantissa.size()));
-    const auto first = static_cast<std::int64_t>(mantissa.find_first_not_of("0."));
-    return point - first > -exponent;
-}
-
 } // namespace
 
-JSONValue parseJsonText(const char* text) {
-    beginTextScan(text);
-    return parseScan();
-}
+JSONValue parseJsonText(const char* text) { return parse(text); }
 
 JSONValue parseJsonFile(const char* path) {
     if (os::isFolder(path)) // it would open
         return {};
     const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "r"));
-    if (file == nullptr)
-        return {};
-    beginFileScan(file.get());
-    return parseScan();
+    return file != nullptr ? parse(readAll(*file)) : JSONValue();
 }
 
 void unescapeText(std::string& text) {
@@ -120,15 +110,4 @@ void unescapeText(std::string& text) {
     }
     unescaped += rest;
     text = std::move(unescaped);
-}
-
-double parseFloat(JSONTokenText text) {
-    std::string_view digits(text.bytes, text.size);
-    const bool isNegative = digits.starts_with('-');
-    if (isNegative || digits.starts_with('+'))
-        digits.remove_prefix(1);
-    double number = 0; // what is no number at all stays 0
-    if (std::from_chars(digits.begin(), digits.end(), number).ec == std::errc::result_out_of_range)
-        number = isLarge(digits) ? std::numeric_limits<double>::infinity() : 0;
-    return isNegative ? -number : number;
 }

@@ -1,9 +1,11 @@
 #include "json/JSONValue.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 /// What the containers do along a whole tree: with lists of what is still to do, where a function that calls
 /// itself would need stack for each level.
@@ -18,7 +20,33 @@ public:
         }
     }
 
-    /// Empties @p container of what is more than one level deep.
+    /// Empties @p container. By itself for the depth of every message that means well: the lists cost more.
+    template <typename Container>
+    static void release(Container& container) noexcept {
+        static thread_local int depth = 0;
+        static constexpr int kShallow = 50;
+        if (++depth > kShallow)
+            tryToDismantle(container);
+        elements(container).clear();
+        --depth;
+    }
+
+private:
+    template <typename Container>
+    struct Copying {
+        const Container* from;
+        Container* to;
+    };
+
+    template <typename Container>
+    static void tryToDismantle(Container& container) noexcept {
+        try {
+            dismantle(container);
+        } catch (...) { // no memory for the lists: what is left goes by itself
+        }
+    }
+
+    // Takes out what is more than one level deep.
     template <typename Container>
     static void dismantle(Container& container) {
         std::vector<JSONArray> arrays;
@@ -31,13 +59,6 @@ public:
                 takeDeepOnes(arrays, objects, takeLast(objects));
         }
     }
-
-private:
-    template <typename Container>
-    struct Copying {
-        const Container* from;
-        Container* to;
-    };
 
     static std::vector<JSONValue>& elements(JSONArray& array) { return array.m_items; }
     static const std::vector<JSONValue>& elements(const JSONArray& array) { return array.m_items; }
@@ -119,16 +140,31 @@ private:
     std::vector<Copying<JSONObject>> m_objects;
 };
 
+namespace {
+
+/// Returns whether two members stand in the order of their keys. Mostly their first bytes tell.
+bool areInOrder(const JSONMember& a, const JSONMember& b) {
+    if (!a.key.empty() && !b.key.empty() && a.key.front() != b.key.front())
+        return static_cast<unsigned char>(a.key.front()) < static_cast<unsigned char>(b.key.front());
+    return a.key < b.key;
+}
+
+} // namespace
+
 JSONArray::JSONArray(std::vector<JSONValue> items) : m_items(std::move(items)) {}
 
-JSONArray::~JSONArray() { JSONTree::dismantle(*this); }
+void JSONArray::release() noexcept { JSONTree::release(*this); }
 
 JSONArray::JSONArray(const JSONArray& other) { JSONTree::copy(other, *this); }
 
-// By way of a copy: the other may be part of what this one holds now.
+// What this one held goes last: the other may be part of it.
 JSONArray& JSONArray::operator=(const JSONArray& other) { return *this = JSONArray(other); }
 
-JSONArray& JSONArray::operator=(JSONArray&& other) noexcept = default;
+JSONArray& JSONArray::operator=(JSONArray&& other) noexcept {
+    JSONArray taken(std::move(other));
+    m_items.swap(taken.m_items);
+    return *this;
+}
 
 std::size_t JSONArray::size() const { return m_items.size(); }
 
@@ -144,28 +180,34 @@ const JSONValue& JSONArray::operator[](std::size_t index) const {
     return m_items[index];
 }
 
-void JSONArray::append(const JSONValue& value) { m_items.push_back(value); }
+void JSONArray::append(const JSONValue& value) { m_items.push_back(JSONValue(value)); }
 
-void JSONArray::append(JSONValue&& value) { m_items.push_back(std::move(value)); }
+void JSONArray::append(JSONValue&& value) {
+    JSONValue taken = std::move(value); // out of the array first, if it is an item: the list may move
+    m_items.push_back(std::move(taken));
+}
 
 void JSONArray::reserve(std::size_t count) { m_items.reserve(count); }
 
 JSONObject::JSONObject(std::vector<JSONMember> members) : m_members(std::move(members)) {
-    if (std::ranges::adjacent_find(m_members, std::ranges::greater_equal{}, &JSONMember::key) ==
-        m_members.end())
+    if (std::ranges::adjacent_find(m_members, std::not_fn(areInOrder)) == m_members.end())
         return;
     std::ranges::stable_sort(m_members, {}, &JSONMember::key);
-    const auto repeated = std::ranges::unique(m_members, {}, &JSONMember::key);
-    m_members.erase(repeated.begin(), repeated.end());
+    const auto haveOneKey = [](const JSONMember& a, const JSONMember& b) { return a.key == b.key; };
+    m_members.erase(std::unique(m_members.begin(), m_members.end(), haveOneKey), m_members.end());
 }
 
-JSONObject::~JSONObject() { JSONTree::dismantle(*this); }
+void JSONObject::release() noexcept { JSONTree::release(*this); }
 
 JSONObject::JSONObject(const JSONObject& other) { JSONTree::copy(other, *this); }
 
 JSONObject& JSONObject::operator=(const JSONObject& other) { return *this = JSONObject(other); }
 
-JSONObject& JSONObject::operator=(JSONObject&& other) noexcept = default;
+JSONObject& JSONObject::operator=(JSONObject&& other) noexcept {
+    JSONObject taken(std::move(other));
+    m_members.swap(taken.m_members);
+    return *this;
+}
 
 std::size_t JSONObject::size() const { return m_members.size(); }
 

@@ -56,6 +56,8 @@ public:
 private:
     friend class JSONTree;
 
+    void release() noexcept;
+
     std::vector<JSONValue> m_items;
 };
 
@@ -67,13 +69,13 @@ public:
     using iterator = std::vector<JSONMember>::iterator;
     using const_iterator = std::vector<JSONMember>::const_iterator;
 
-    JSONObject() = default;
+    JSONObject();
 
     /// Takes @p members in any order; of those with one key the first stays.
     explicit JSONObject(std::vector<JSONMember> members);
     ~JSONObject();
     JSONObject(const JSONObject& other);
-    JSONObject(JSONObject&& other) noexcept = default;
+    JSONObject(JSONObject&& other) noexcept;
     JSONObject& operator=(const JSONObject& other);
     JSONObject& operator=(JSONObject&& other) noexcept;
 
@@ -97,6 +99,8 @@ public:
 
 private:
     friend class JSONTree;
+
+    void release() noexcept;
 
     std::vector<JSONMember> m_members;
 };
@@ -136,6 +140,24 @@ public:
 
 /// A key and its value. Requires: the key of a member that stands in an object is not changed.
 struct JSONMember {
+    JSONMember() = default;
+    JSONMember(std::string theKey, JSONValue theValue) : key(std::move(theKey)), value(std::move(theValue)) {}
+    JSONMember(std::string_view theKey, std::string_view text) : key(theKey), value(text) {}
+
     std::string key;
     JSONValue value;
 };
+
+inline JSONArray::~JSONArray() {
+    if (!empty())
+        release();
+}
+
+// Only here, where a member is a whole type: some compilers look into it at once.
+inline JSONObject::JSONObject() = default;
+inline JSONObject::JSONObject(JSONObject&& other) noexcept = default;
+
+inline JSONObject::~JSONObject() {
+    if (!empty())
+        release();
+}
