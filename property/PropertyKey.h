@@ -9,6 +9,14 @@ class Property;
 
 constexpr char kKeySeparator = ':';
 
+/// What identifies a property within a program.
+struct PropertyKey {
+    std::string group; ///< The GUID of its group.
+    std::string guid;
+
+    friend bool operator==(const PropertyKey&, const PropertyKey&) = default;
+};
+
 /// Appends the key of one property to @p key, a string of whatever allocator: group GUID, ":", GUID.
 template <typename String>
 void appendFullKey(String& key, std::string_view groupGuid, std::string_view guid) {

@@ -1,0 +1,54 @@
+#include "picl/ReportFrames.h"
+
+#include <string_view>
+#include <utility>
+
+namespace {
+
+// The text around the reports and around the fields of one.
+constexpr std::size_t kMessageSize =
+    std::string_view(R"({"GetAllPropertiesResponse": true,"PropertyGetResponses": []})").size();
+constexpr std::size_t kReportSize =
+    std::string_view(R"({"Component": "","ComponentString": "","GUID": ":","GroupString": "",)"
+                     R"("NameString": "","Status": "","Value": ""},)")
+        .size();
+
+std::size_t textSize(const PropertyGetResponse& report) {
+    return kReportSize + report.component.size() + report.componentString.size() + report.group.size() +
+           report.guid.size() + report.groupString.size() + report.nameString.size() + report.status.size() +
+           report.value.size();
+}
+
+} // namespace
+
+ReportFrames::ReportFrames(JSONPICL& message, Kind kind, Send send)
+    : m_message(message),
+      m_kind(kind),
+      m_send(std::move(send)),
+      m_reports(std::make_unique<PropertyGetResponses>()),
+      m_textSize(kMessageSize) {}
+
+bool ReportFrames::add(PropertyGetResponses reports) {
+    for (PropertyGetResponse& report : reports) {
+        const std::size_t size = textSize(report);
+        if (size > frame::kLargestText - kMessageSize)
+            continue;
+        if (m_textSize + size > frame::kLargestText && !sendFrame())
+            return false;
+        m_textSize += size;
+        m_reports->push_back(std::move(report));
+    }
+    return m_sends;
+}
+
+bool ReportFrames::finish() { return sendFrame(); }
+
+bool ReportFrames::sendFrame() {
+    m_message.clear();
+    m_message.addGetResponses(std::exchange(m_reports, std::make_unique<PropertyGetResponses>()));
+    if (m_kind == Kind::GetAllAnswer)
+        m_message.addGetAllPropertiesResponse();
+    m_textSize = kMessageSize;
+    m_sends = m_sends && m_send(m_message);
+    return m_sends;
+}
