@@ -1,0 +1,83 @@
+#include "picl/PICLInterface.h"
+
+#include "picl/PropertyReports.h"
+#include "platform/ThreadFactory.h"
+#include "property/PropertyManager.h"
+#include "property/PropertyVocabulary.h"
+#include "property/UInt32Property.h"
+
+#include <utility>
+
+namespace {
+
+constexpr std::uint32_t kDefaultPeriodMs = 500;
+
+std::shared_ptr<UInt32Property> makePublishingPeriod() {
+    const VocabularyEntry& property = vocabulary::properties::kPropertyPublishingPeriodInMs;
+    const VocabularyEntry& group = vocabulary::groups::kGeneral;
+    return std::make_shared<UInt32Property>(kDefaultPeriodMs, property.guid, property.name, group.guid,
+                                            group.name);
+}
+
+std::uint32_t runBody(void* argument) {
+    const std::unique_ptr<std::function<void()>> body(static_cast<std::function<void()>*>(argument));
+    (*body)();
+    return 0;
+}
+
+} // namespace
+
+PICLInterface::PICLInterface(std::shared_ptr<PropertyManager> manager,
+                             const std::shared_ptr<ThreadFactory>& threads, std::int32_t priority,
+                             std::shared_ptr<Property> component)
+    : m_propertyManager(std::move(manager)),
+      m_lists(std::make_shared<PublishLists>()),
+      m_publishingPeriod(makePublishingPeriod()),
+      m_componentProperty(std::move(component)),
+      m_publisherThread(threads->createThread(runBody, priority, 0)) {
+    m_propertyManager->addPersistentProperty(m_publishingPeriod);
+}
+
+PICLInterface::~PICLInterface() = default;
+
+void PICLInterface::addProperty(const std::shared_ptr<Property>& property) { m_lists->add(property); }
+
+void PICLInterface::addPolledKey(PropertyKey key) { m_lists->addPolledKey(std::move(key)); }
+
+void PICLInterface::removeProperty(std::shared_ptr<Property> property) {
+    m_lists->remove(std::move(property));
+}
+
+void PICLInterface::startPublishing() {
+    if (!std::exchange(m_isPublishing, true))
+        m_publisherThread->start(new std::function<void()>(run()));
+}
+
+void PICLInterface::stopPublishing() { m_publisherThread->stop(); }
+
+void PICLInterface::getProperties(const PropertyGetRequests& requests,
+                                  PropertyGetResponses& responses) const {
+    for (const PropertyGetRequest& request : requests) {
+        PropertyQueue found;
+        if (request.guid.empty())
+            m_propertyManager->getGroupProperties(request.group, found);
+        else if (std::shared_ptr<Property> property =
+                     m_propertyManager->findProperty(request.guid, request.group))
+            found.push_back(std::move(property));
+        else
+            responses.push_back(notFoundReport(request));
+        for (const std::shared_ptr<Property>& property : found)
+            appendReport(responses, *property, status::kSuccessful, *m_componentProperty);
+    }
+}
+
+void PICLInterface::getAllProperties(PropertyGetResponses& responses) const {
+    PropertyQueue properties;
+    m_propertyManager->getAllProperties(properties);
+    for (const std::shared_ptr<Property>& property : properties)
+        appendReport(responses, *property, status::kSuccessful, *m_componentProperty);
+}
+
+void PICLInterface::queueChangedProperty(std::shared_ptr<Property> property) {
+    m_lists->queueChange(std::move(property));
+}

@@ -1,0 +1,187 @@
+#include "picl/PICLServerAgent.h"
+
+#include "picl/JSONPICL.h"
+#include "picl/Publisher.h"
+#include "picl/ReportFrames.h"
+#include "platform/Stream.h"
+#include "property/Property.h"
+#include "property/PropertyManager.h"
+#include "property/UInt32Property.h"
+
+#include <exception>
+#include <utility>
+
+namespace {
+
+constexpr std::uint32_t kGoodbyeLimitMs = 500; // and as much again for the end of its thread
+
+// Neither a number that is none nor a listener that fails ends the thread that reads: the property keeps what
+// it has, and the rest of the message is dealt with.
+void applyText(Property& property, std::string_view text) {
+    try {
+        property.setFromString(text);
+    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
+    }
+}
+
+bool asksForAll(const JSONPICL& request) { return request.has(keys::kGetAll) || request.hasSubscribeAll(); }
+
+bool subscribes(const JSONPICL& request) {
+    return request.has(keys::kSubscribeRequests) || request.hasSubscribeAll();
+}
+
+bool asks(const JSONPICL& request) {
+    return asksForAll(request) || subscribes(request) || request.has(keys::kGetRequests);
+}
+
+} // namespace
+
+PICLServerAgent::PICLServerAgent(std::shared_ptr<PropertyManager> manager,
+                                 const std::shared_ptr<ThreadFactory>& threads, std::int32_t priority,
+                                 std::shared_ptr<Property> component)
+    : PICLInterface(std::move(manager), threads, priority, std::move(component)),
+      m_publishStream(std::make_shared<PublishStream>()),
+      m_publisher(
+          std::make_shared<Publisher>(m_lists, m_publishStream, m_publishingPeriod, m_componentProperty)) {}
+
+PICLServerAgent::~PICLServerAgent() { sayGoodbye(); }
+
+// The goodbye is the publisher's last act: so it never stands inside another frame, nothing of the publisher
+// follows it, and a peer that takes no byte holds up that thread alone.
+void PICLServerAgent::sayGoodbye() {
+    m_publisher->end();
+    if (!m_publishStream->isEmpty())
+        startPublishing(); // where nothing was published yet, for this alone
+    if (isPublishing())
+        static_cast<void>(m_publisher->awaitGoodbye(kGoodbyeLimitMs));
+    stopPublishing();
+}
+
+std::function<void()> PICLServerAgent::run() {
+    return [publisher = m_publisher] { publisher->run(); };
+}
+
+bool PICLServerAgent::processNextMessage(const std::shared_ptr<Stream>& stream) {
+    auto request = std::make_unique<JSONPICL>();
+    return request->importFrom(*stream) &&
+           processMessage(stream, std::move(request), std::make_unique<JSONPICL>());
+}
+
+bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std::unique_ptr<JSONPICL> request,
+                                     std::unique_ptr<JSONPICL> response) {
+    PropertySetRequests sets;
+    request->readSetRequests(sets);
+    handleSetRequests(sets);
+
+    PropertyGetResponses reports;
+    request->readGetResponses(reports);
+    if (request->has(keys::kGetAllResponse))
+        m_pendingRequests.answerAll(std::move(reports));
+    else
+        handleGetResponses(reports);
+
+    if (subscribes(*request))
+        setPublishStream(stream);
+    return !asks(*request) || answer(*stream, *request, *response);
+}
+
+// One request after the other, so that a message of many takes no more memory than a frame.
+bool PICLServerAgent::answer(Stream& stream, const JSONPICL& request, JSONPICL& response) {
+    const bool isForAll = asksForAll(request);
+    ReportFrames frames(response, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
+                        [&](JSONPICL& frame) { return m_publishStream->reply(stream, frame); });
+    PropertyGetRequests requests;
+    if (!isForAll)
+        request.readGetRequests(requests);
+    PropertyGetResponses reports;
+    if (isForAll)
+        getAllProperties(reports);
+    for (PropertyGetRequest& one : requests) {
+        getProperties({std::move(one)}, reports);
+        if (!frames.add(std::exchange(reports, {})))
+            return false;
+    }
+    return frames.add(std::move(reports)) && frames.finish();
+}
+
+// The reports are made under the lock of the frames: no older value can follow a newer one.
+void PICLServerAgent::setPublishStream(std::shared_ptr<Stream> stream) {
+    m_publishStream->set(std::move(stream), [this](const PublishStream::Send& send) {
+        JSONPICL message;
+        ReportFrames frames(message, ReportFrames::Kind::Reports, send);
+        PropertyGetResponses reports;
+        getAllProperties(reports);
+        frames.add(std::move(reports));
+        static_cast<void>(frames.finish()); // the next publication meets the same failure and acts on it
+    });
+}
+
+bool PICLServerAgent::setExternalValue(std::string_view component, std::string_view group,
+                                       std::string_view guid, std::string_view value) {
+    JSONPICL message;
+    message.addSetRequest({.guid = std::string(guid),
+                           .group = std::string(group),
+                           .component = std::string(component),
+                           .value = escapeText(value)});
+    return m_publishStream->send(message);
+}
+
+// The mirror is made where the report is read: what is read next may be a newer value for it.
+void PICLServerAgent::subscribe(const PropertyGetRequest& request, MirrorMaker makeMirror,
+                                std::uint32_t timeoutMs) {
+    if (m_publishStream->isEmpty())
+        return;
+    const std::shared_ptr<PendingResult> result = m_pendingRequests.add(
+        request, [this, makeMirror](const PropertyGetResponse& report) { keepMirror(report, makeMirror); });
+    JSONPICL message;
+    message.addSubscribeRequest(request);
+    static_cast<void>(sendAndWait(message, result, timeoutMs)); // what came of it stands in the tables
+}
+
+bool PICLServerAgent::sendAndWait(JSONPICL& message, const std::shared_ptr<PendingResult>& result,
+                                  std::uint32_t timeoutMs) {
+    if (m_publishStream->send(message) && result->answered.wait(timeoutMs))
+        return true;
+    m_pendingRequests.withdraw(result);
+    return false;
+}
+
+void PICLServerAgent::keepMirror(const PropertyGetResponse& report, MirrorMaker makeMirror) {
+    if (report.status != status::kSuccessful)
+        return;
+    try {
+        m_externalTables.add(report.component, makeMirror(report));
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): a value that is none makes no mirror
+    }
+}
+
+void PICLServerAgent::handleSetRequests(const PropertySetRequests& requests) {
+    for (const PropertySetRequest& request : requests) {
+        if (const std::shared_ptr<Property> property =
+                m_propertyManager->findProperty(request.guid, request.group))
+            applyText(*property, request.value);
+    }
+}
+
+void PICLServerAgent::handleGetResponses(const PropertyGetResponses& reports) {
+    PendingRequests::Groups touched;
+    for (const PropertyGetResponse& report : reports) {
+        // Who asks for what has a mirror, asked before the mirror was there.
+        if (report.status == status::kNotFound || updateMirror(report))
+            m_pendingRequests.answerExactly(report);
+        else if (report.status != status::kNoLongerAvailable)
+            m_pendingRequests.answer(report, touched);
+    }
+    m_pendingRequests.finishGroups(touched);
+}
+
+bool PICLServerAgent::updateMirror(const PropertyGetResponse& report) {
+    const std::shared_ptr<Property> mirror =
+        m_externalTables.find(report.component, report.group, report.guid);
+    if (!mirror)
+        return false;
+    applyText(*mirror, report.value);
+    if (report.status == status::kNoLongerAvailable)
+        m_externalTables.remove(report.component, report.group, report.guid);
+    return true;
+}

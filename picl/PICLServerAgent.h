@@ -1,0 +1,105 @@
+#pragma once
+
+#include "picl/ExternalTables.h"
+#include "picl/PICLInterface.h"
+#include "picl/PendingRequests.h"
+#include "picl/PublishStream.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+class Publisher;
+
+/// This program's agent towards the property server of the printer: the one object that talks to it.
+///
+/// It answers the peer's questions about this program's properties and publishes their changes; it gets hold
+/// of properties of other programs, keeps them up to date as mirrors, and forwards new values to their
+/// owners. The stream is given to it: it neither opens one nor opens one again.
+///
+/// Who does what: PublishLists collects changes, Publisher sends them, PublishStream keeps frames whole,
+/// PendingRequests holds the questions on their way, ExternalTables the mirrors. Each has its own locks, and
+/// none of those is held while another part is called, but for one: the frames of a new stream are begun
+/// under the lock of the frames, and the properties are read then. No lock is held while an answer is waited
+/// for.
+///
+/// Lifetime: the publisher thread is given shares of what it uses, never this object. If it is inside a write
+/// that blocks when the agent goes, it is let go and ends with that write; whoever owns the stream ends the
+/// write by closing the stream, after the agent.
+class PICLServerAgent : public PICLInterface {
+public:
+    PICLServerAgent(std::shared_ptr<PropertyManager> manager, const std::shared_ptr<ThreadFactory>& threads,
+                    std::int32_t priority, std::shared_ptr<Property> component);
+
+    /// As sayGoodbye().
+    ~PICLServerAgent() override;
+
+    [[nodiscard]] bool processNextMessage(const std::shared_ptr<Stream>& stream) override;
+
+    [[nodiscard]] std::function<void()> run() override;
+
+    /// Deals with each kind of content that @p request has, in this order: sets, reports, subscriptions,
+    /// questions.
+    [[nodiscard]] bool processMessage(const std::shared_ptr<Stream>& stream,
+                                      std::unique_ptr<JSONPICL> request,
+                                      std::unique_ptr<JSONPICL> response) override;
+
+    /// Publishes on @p stream from now on, and first of all a report on every property. Thread: any. Blocks
+    /// as the stream does.
+    virtual void setPublishStream(std::shared_ptr<Stream> stream);
+
+    /// Asks the owner of a property for @p value, plain text. Returns whether the request went out; what the
+    /// owner makes of it comes back as a report. Thread: any. Blocks as the stream does, not for the owner.
+    [[nodiscard]] virtual bool setExternalValue(std::string_view component, std::string_view group,
+                                                std::string_view guid, std::string_view value);
+
+    /// Returns the mirror of another program's property; one that is not held yet is subscribed to first.
+    /// Returns nothing if there is no stream, if the owner has no such property, does not answer in time, or
+    /// tells a value that is no T. Thread: any but the reader, which would wait for itself. Blocks at most
+    /// @p timeoutMs milliseconds for the answer.
+    template <typename T>
+    [[nodiscard]] std::weak_ptr<T> getExternalProperty(const std::string& component, const std::string& group,
+                                                       const std::string& guid, std::uint32_t timeoutMs);
+
+    /// Returns the mirror of another program's property, or nothing where it is not held. Thread: any.
+    template <typename T>
+    [[nodiscard]] std::weak_ptr<T> findExternalProperty(std::string_view component, std::string_view group,
+                                                        std::string_view guid) const {
+        return std::dynamic_pointer_cast<T>(m_externalTables.find(component, group, guid));
+    }
+
+    /// Ends the publishing for good, with "Disconnect" as the last frame; after it nothing is sent any more.
+    /// For the owner of the connection, where others still hold the agent. May be repeated. A peer that does
+    /// not read gets no goodbye. Thread: the owner's. Blocks at most 1 s, whatever the peer does.
+    void sayGoodbye();
+
+private:
+    using MirrorMaker = std::shared_ptr<Property> (*)(const PropertyGetResponse& report);
+
+    void subscribe(const PropertyGetRequest& request, MirrorMaker makeMirror, std::uint32_t timeoutMs);
+    bool sendAndWait(JSONPICL& message, const std::shared_ptr<PendingResult>& result,
+                     std::uint32_t timeoutMs);
+    void handleSetRequests(const PropertySetRequests& requests);
+    void handleGetResponses(const PropertyGetResponses& reports);
+    [[nodiscard]] bool updateMirror(const PropertyGetResponse& report);
+    void keepMirror(const PropertyGetResponse& report, MirrorMaker makeMirror);
+    [[nodiscard]] bool answer(Stream& stream, const JSONPICL& request, JSONPICL& response);
+
+    const std::shared_ptr<PublishStream> m_publishStream;
+    const std::shared_ptr<Publisher> m_publisher;
+    PendingRequests m_pendingRequests;
+    ExternalTables m_externalTables;
+};
+
+template <typename T>
+std::weak_ptr<T> PICLServerAgent::getExternalProperty(const std::string& component, const std::string& group,
+                                                      const std::string& guid, std::uint32_t timeoutMs) {
+    const MirrorMaker makeMirror = [](const PropertyGetResponse& report) -> std::shared_ptr<Property> {
+        return std::make_shared<T>(std::string_view(report.value), report.guid, report.nameString,
+                                   report.group, report.groupString);
+    };
+    if (findExternalProperty<T>(component, group, guid).expired())
+        subscribe({component, group, guid}, makeMirror, timeoutMs);
+    return findExternalProperty<T>(component, group, guid);
+}

@@ -1,0 +1,136 @@
+#include "tests/picl/AgentTest.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A property whose value cannot be told.
+class Untold final : public StringProperty {
+public:
+    using StringProperty::StringProperty;
+    [[nodiscard]] std::string getStringValue() const override { throw 5; }
+};
+
+TEST_F(AgentTest, ChangesLeaveInOneFrameTheNewestFirstWithTheValueOfNow) {
+    connect();
+    const auto first = add<UInt32Property>("A", 0U);
+    const auto second = add<UInt32Property>("B", 0U);
+    first->setValue(5);
+    add<Untold>("U", "");
+    agent->removeProperty(second);
+    agent->startPublishing();
+    const std::string a = report(*first);
+    const std::string b = report(*second);
+    EXPECT_EQ(peer->hears(), frameOf(reports(a + "," + b + "," + a + "," + report(*period) + "," +
+                                             report(*second, "Property No Longer Available"))));
+}
+
+TEST_F(AgentTest, WhatWasThereBeforeThePublisherIsAnnouncedInOrder) {
+    PublishingPropertyManager early(threads, kThreadPriority, kThreadPriority, L"/store/e.ini", L"/boot/e");
+    const auto first = std::make_shared<UInt32Property>(1U, "A", "n", "G", "g");
+    EXPECT_TRUE(early.addProperty(first));
+    EXPECT_FALSE(early.addProperty(std::make_shared<UInt32Property>(2U, "A", "n", "G", "g")));
+    const std::uint32_t before = agent->countOfChangedProperties();
+    early.setPublisher(agent);
+    EXPECT_EQ(agent->countOfChangedProperties(), before + 2);
+    EXPECT_FALSE(early.addProperty(first)); // refused, and announced all the same
+    EXPECT_EQ(agent->countOfChangedProperties(), before + 3);
+}
+
+struct PeriodRow {
+    std::uint32_t periodMs;
+    std::chrono::milliseconds shortestGap;
+};
+
+TEST_F(AgentTest, ThePeriodIsCountedInWholeWaits) {
+    const auto polled = std::make_shared<UInt32Property>(0U, "P", "n", "G", "g");
+    agent->addPolledKey({"G", "P"});
+    manager->addProperty(polled);
+    connect();
+    agent->startPublishing();
+    for (const PeriodRow& row : {PeriodRow{1000, 1000ms}, PeriodRow{0, 250ms}, PeriodRow{749, 500ms}}) {
+        SCOPED_TRACE(row.periodMs);
+        period->setValue(row.periodMs);
+        // The frame that tells the new period still came by the old one; then the new one is read.
+        std::string frame = peer->hears();
+        while (!frame.empty() && frame.find(report(*period)) == std::string::npos)
+            frame = peer->hears();
+        EXPECT_EQ(peer->hears(), frameOf(reports(report(*polled))));
+        EXPECT_GE(peer->gap, row.shortestGap - 10ms);
+    }
+}
+
+TEST_F(AgentTest, AfterAFailedWriteThereIsSilenceUntilSomebodySubscribes) {
+    connect();
+    agent->startPublishing();
+    peer->fail(true);
+    EXPECT_TRUE(peer->sees(2)); // the first frame, and the one that fails
+    EXPECT_TRUE(eventually([&] { return agent->countOfChangedProperties() == 0; }));
+    EXPECT_TRUE(eventually([&] { return !agent->setExternalValue("OWNER", "XG", "XP", "v"); }));
+    peer->fail(false);
+    EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
+    EXPECT_TRUE(agent->getExternalProperty<BoolProperty>("OWNER", "XG", "XP", 60000).expired());
+    connect();
+    EXPECT_TRUE(agent->setExternalValue("OWNER", "XG", "XP", "a\"b"));
+    EXPECT_EQ(
+        peer->hears(),
+        frameOf(R"({"PropertySetRequests": [{"Component": "OWNER","GUID": "XG:XP","Value": "a\"b"}]})"));
+}
+
+TEST_F(AgentTest, NothingFollowsAFrameThatBrokeOff) {
+    connect();
+    peer->fail(true);
+    EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
+    peer->fail(false);
+    EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
+    agent.reset();
+    EXPECT_TRUE(peer->heardAll()); // no goodbye either
+}
+
+TEST_F(AgentTest, TheGoodbyeIsTheLastFrameWhoeverHoldsTheAgent) {
+    for (const bool publishes : {false, true}) {
+        SCOPED_TRACE(publishes);
+        connect();
+        if (publishes)
+            agent->startPublishing();
+        startReader();
+        agent->sayGoodbye();
+        EXPECT_EQ(peer->hears(), frameOf(kGoodbye));
+        EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
+        peer->says(R"({"SubscribeAllCurrentAndNewProperties": 0})");
+        reader.join(); // its answer is refused
+        EXPECT_TRUE(peer->heardAll());
+        agent = std::make_shared<PICLServerAgent>(
+            manager, threads, kThreadPriority,
+            std::make_shared<StringProperty>("x", "MY-GUID", "My Program", "c", "Components"));
+    }
+}
+
+TEST_F(AgentTest, APeerThatDoesNotReadHoldsUpNobody) {
+    for (const bool readsOn : {false, true}) {
+        SCOPED_TRACE(readsOn);
+        auto last = std::make_shared<ScriptedPeer>();
+        auto mine = std::make_shared<PICLServerAgent>(
+            manager, threads, kThreadPriority,
+            std::make_shared<StringProperty>("x", "MY-GUID", "My Program", "c", "Components"));
+        mine->setPublishStream(last);
+        last->hears();
+        last->stall(true);
+        mine->addProperty(period);
+        mine->startPublishing();
+        ASSERT_TRUE(last->sees(2)); // now the publisher is inside its write
+        const auto begin = ScriptedPeer::Clock::now();
+        mine.reset();
+        EXPECT_LT(ScriptedPeer::Clock::now() - begin, 2s);
+        if (readsOn) { // late, but whole and in order
+            last->stall(false);
+            EXPECT_EQ(last->hears(), frameOf(reports(report(*period))));
+            EXPECT_EQ(last->hears(), frameOf(kGoodbye));
+        }
+        last->close();
+        EXPECT_TRUE(
+            eventually([&] { return last.use_count() == 1; })); // the thread that was let go has ended
+    }
+}
+
+} // namespace
