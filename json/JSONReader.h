@@ -9,13 +9,13 @@
 /// while a stream is read or written.
 extern KeltoMutex jsonEngineLock;
 
-/// Reads a JSON text; what it ends with, is at its first zero byte. More is taken than RFC 8259 allows:
+/// Reads a JSON text, up to its first zero byte. More is taken than RFC 8259 allows:
 /// strings in single quotes, a comma behind an opening bracket, numbers such as "+5", "007" and ".5", and
 /// every byte that begins no token is skipped. Less is given: whole numbers are what atoi() makes of them, of
 /// equal keys the first stays, a "\u0000" ends its text, surrogates are not joined.
 ///
 /// Returns null, the value, where the text is none; the standard error stream then tells "error: syntax
-/// error", or "error: memory exhausted" where brackets are nested too deep (about ten thousand of them). The
+/// error", or "error: memory exhausted" where brackets are nested too deep (some thousands of them). The
 /// time is proportional to the length of the text, whatever stands there. Thread: any.
 [[nodiscard]] JSONValue parseJsonText(const char* text) KELTO_REQUIRES(jsonEngineLock);
 

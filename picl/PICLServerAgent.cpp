@@ -13,6 +13,7 @@
 
 namespace {
 
+constexpr std::size_t kLongestValue = frame::kLargestText - 1024; // the keys and GUIDs have room beside it
 constexpr std::uint32_t kGoodbyeLimitMs = 500; // and as much again for the end of its thread
 
 // Neither a number that is none nor a listener that fails ends the thread that reads: the property keeps what
@@ -104,7 +105,7 @@ bool PICLServerAgent::answer(Stream& stream, const JSONPICL& request, JSONPICL& 
     return frames.add(std::move(reports)) && frames.finish();
 }
 
-// The reports are made under the lock of the frames: no older value can follow a newer one.
+// The reports are made under the lock of the frames, so that none is older than a frame in front of it.
 void PICLServerAgent::setPublishStream(std::shared_ptr<Stream> stream) {
     m_publishStream->set(std::move(stream), [this](const PublishStream::Send& send) {
         JSONPICL message;
@@ -118,11 +119,14 @@ void PICLServerAgent::setPublishStream(std::shared_ptr<Stream> stream) {
 
 bool PICLServerAgent::setExternalValue(std::string_view component, std::string_view group,
                                        std::string_view guid, std::string_view value) {
+    std::string escaped = escapeText(value);
+    if (escaped.size() > kLongestValue)
+        return false;
     JSONPICL message;
     message.addSetRequest({.guid = std::string(guid),
                            .group = std::string(group),
                            .component = std::string(component),
-                           .value = escapeText(value)});
+                           .value = std::move(escaped)});
     return m_publishStream->send(message);
 }
 

@@ -49,8 +49,9 @@ public:
     /// as the stream does.
     virtual void setPublishStream(std::shared_ptr<Stream> stream);
 
-    /// Asks the owner of a property for @p value, plain text. Returns whether the request went out; what the
-    /// owner makes of it comes back as a report. Thread: any. Blocks as the stream does, not for the owner.
+    /// Asks the owner of a property for @p value, plain text. Returns whether the request went out, which it
+    /// does not where the owner would refuse its length; what the owner makes of it comes back as a report.
+    /// Thread: any. Blocks as the stream does, not for the owner.
     [[nodiscard]] virtual bool setExternalValue(std::string_view component, std::string_view group,
                                                 std::string_view guid, std::string_view value);
 
