@@ -13,11 +13,16 @@ void fit(List& list) {
         list.shrink_to_fit();
 }
 
+// Beyond it room is given as it is needed: thousands of containers may be open at once.
+constexpr std::size_t kMostRoom = 64;
+
 } // namespace
 
-void JSONBuilder::openObject() { m_levels.emplace_back().members.reserve(m_lastMembers); }
+void JSONBuilder::openObject() {
+    m_levels.emplace_back().members.reserve(std::min(m_lastMembers, kMostRoom));
+}
 
-void JSONBuilder::openArray() { m_levels.emplace_back().items.reserve(m_lastItems); }
+void JSONBuilder::openArray() { m_levels.emplace_back().items.reserve(std::min(m_lastItems, kMostRoom)); }
 
 void JSONBuilder::closeObject() {
     std::vector<JSONMember> members = std::move(m_levels.back().members);

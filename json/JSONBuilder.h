@@ -50,7 +50,7 @@ private:
     };
 
     void set(JSONValue value) {
-        m_value = std::move(value);
+        m_value.become(std::move(value));
         m_valueIsText = false;
     }
 

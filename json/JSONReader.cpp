@@ -6,14 +6,19 @@
 
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <memory>
 #include <string_view>
 
-KeltoMutex jsonEngineLock;
+KeltoMutex& jsonEngineLock = *new KeltoMutex;
 
 namespace {
+
+constexpr std::size_t kLongestText =
+    std::numeric_limits<std::int32_t>::max() - 2; // with the scanner's two zeros
 
 /// A scan, from its begin to its end, on every way out.
 class Scan {
@@ -26,6 +31,8 @@ public:
 };
 
 JSONValue parse(std::string_view text) {
+    if (text.size() > kLongestText)
+        return {};
     const Scan scan(text);
     JSONBuilder builder(text);
     StringRun run(text);

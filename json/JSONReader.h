@@ -6,8 +6,9 @@
 #include <string>
 
 /// Guards what the engine has once in the process. It is held for one parse or one print of a message, never
-/// while a stream is read or written.
-extern KeltoMutex jsonEngineLock;
+/// while a stream is read or written. It is there to the very
+/// end of the process.
+extern KeltoMutex& jsonEngineLock;
 
 /// Reads a JSON text, up to its first zero byte. More is taken than RFC 8259 allows:
 /// strings in single quotes, a comma behind an opening bracket, numbers such as "+5", "007" and ".5", and
@@ -17,6 +18,7 @@ extern KeltoMutex jsonEngineLock;
 /// Returns null, the value, where the text is none; the standard error stream then tells "error: syntax
 /// error", or "error: memory exhausted" where brackets are nested too deep (some thousands of them). The
 /// time is proportional to the length of the text, whatever stands there. Thread: any.
+/// Requires: less than 2^31 bytes.
 [[nodiscard]] JSONValue parseJsonText(const char* text) KELTO_REQUIRES(jsonEngineLock);
 
 /// Reads the JSON text of a file, as parseJsonText() does; a zero byte is skipped. @p path is one of the

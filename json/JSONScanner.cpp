@@ -118,8 +118,11 @@ double parseFloat(std::string_view digits) {
     const bool isNegative = digits.starts_with('-');
     if (isNegative || digits.starts_with('+'))
         digits.remove_prefix(1);
-    double number = 0; // what is no number at all stays 0
-    if (std::from_chars(digits.begin(), digits.end(), number).ec == std::errc::result_out_of_range)
+    double number = 0;
+    const std::errc failure = std::from_chars(digits.begin(), digits.end(), number).ec;
+    if (failure == std::errc::invalid_argument)
+        return 0;
+    if (failure == std::errc::result_out_of_range)
         number = isLarge(digits) ? std::numeric_limits<double>::infinity() : 0;
     return isNegative ? -number : number;
 }

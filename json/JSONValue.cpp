@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <functional>
-#include <iterator>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -264,4 +264,9 @@ JSONValue& JSONValue::operator=(JSONValue&& other) noexcept {
         break;
     }
     return *this;
+}
+
+void JSONValue::become(JSONValue&& other) noexcept {
+    std::destroy_at(this);
+    std::construct_at(this, std::move(other));
 }

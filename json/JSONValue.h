@@ -112,6 +112,7 @@ private:
 class JSONValue {
 public:
     JSONValue() = default;
+    JSONValue(std::unsigned_integral auto value) requires(!std::same_as<decltype(value), bool>) = delete;
     JSONValue(std::signed_integral auto value) : intValue(value), type(JSONValueType::IntValue) {}
     JSONValue(double value) : floatValue(value), type(JSONValueType::FloatValue) {}
     JSONValue(std::same_as<bool> auto value) : boolValue(value), type(JSONValueType::BoolValue) {}
@@ -129,6 +130,9 @@ public:
     JSONValue& operator=(const JSONValue& other);
     JSONValue& operator=(JSONValue&& other) noexcept;
 
+    /// Takes all of @p other, which is not part of this value, and keeps nothing.
+    void become(JSONValue&& other) noexcept;
+
     double floatValue = 0;
     std::int64_t intValue = 0;
     bool boolValue = false;
@@ -143,6 +147,17 @@ struct JSONMember {
     JSONMember() = default;
     JSONMember(std::string theKey, JSONValue theValue) : key(std::move(theKey)), value(std::move(theValue)) {}
     JSONMember(std::string_view theKey, std::string_view text) : key(theKey), value(text) {}
+    ~JSONMember() = default;
+
+    // Whole: where members move up in an object, nothing of the one that stood there must stay.
+    JSONMember(const JSONMember& other) = default;
+    JSONMember(JSONMember&& other) noexcept = default;
+    JSONMember& operator=(const JSONMember& other) { return *this = JSONMember(other); }
+    JSONMember& operator=(JSONMember&& other) noexcept {
+        key = std::move(other.key);
+        value.become(std::move(other.value));
+        return *this;
+    }
 
     std::string key;
     JSONValue value;

@@ -106,13 +106,22 @@ void read(const Item& item, PropertyGetResponse& response) {
                 .componentString = item.text(kComponentString)};
 }
 
-template <typename Records>
-void appendRecords(const JSONObject& message, std::string_view key, Records& records) {
+template <typename Record>
+void forEachRecord(const JSONObject& message, std::string_view key,
+                   const std::function<void(Record)>& handle) {
     JSONObject::const_iterator list;
     if (!findKey(message, key, list))
         return;
-    for (const JSONValue& value : list->value.arrayValue)
-        read(Item(value), records.emplace_back());
+    for (const JSONValue& value : list->value.arrayValue) {
+        Record record;
+        read(Item(value), record);
+        handle(std::move(record));
+    }
+}
+
+template <typename Record>
+std::function<void(Record)> appendTo(std::deque<Record>& records) {
+    return [&records](Record record) { records.push_back(std::move(record)); };
 }
 
 /// The letter behind the backslash of each byte that has one, 'u' for those that need a number, else 0.
@@ -163,17 +172,25 @@ void JSONPICL::addGetAllPropertiesResponse() { m_object[keys::kGetAllResponse] =
 
 void JSONPICL::addDisconnect() { m_object[keys::kDisconnect] = "True"; }
 
-void JSONPICL::readGetRequests(PropertyGetRequests& requests) const {
-    appendRecords(m_object, keys::kGetRequests, requests);
-    appendRecords(m_object, keys::kSubscribeRequests, requests);
-}
+void JSONPICL::readGetRequests(PropertyGetRequests& requests) const { forEachGetRequest(appendTo(requests)); }
 
-void JSONPICL::readSetRequests(PropertySetRequests& requests) const {
-    appendRecords(m_object, keys::kSetRequests, requests);
-}
+void JSONPICL::readSetRequests(PropertySetRequests& requests) const { forEachSetRequest(appendTo(requests)); }
 
 void JSONPICL::readGetResponses(PropertyGetResponses& responses) const {
-    appendRecords(m_object, keys::kGetResponses, responses);
+    forEachGetResponse(appendTo(responses));
+}
+
+void JSONPICL::forEachGetRequest(const std::function<void(PropertyGetRequest)>& handle) const {
+    forEachRecord(m_object, keys::kGetRequests, handle);
+    forEachRecord(m_object, keys::kSubscribeRequests, handle);
+}
+
+void JSONPICL::forEachSetRequest(const std::function<void(PropertySetRequest)>& handle) const {
+    forEachRecord(m_object, keys::kSetRequests, handle);
+}
+
+void JSONPICL::forEachGetResponse(const std::function<void(PropertyGetResponse)>& handle) const {
+    forEachRecord(m_object, keys::kGetResponses, handle);
 }
 
 bool JSONPICL::has(std::string_view key) const {

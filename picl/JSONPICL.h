@@ -3,6 +3,7 @@
 #include "picl/PropertyRecords.h"
 #include "json/JSONImporterExporter.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -50,6 +51,11 @@ public:
     void readGetRequests(PropertyGetRequests& requests) const;
     void readSetRequests(PropertySetRequests& requests) const;
     void readGetResponses(PropertyGetResponses& responses) const;
+
+    /// The same, one record after the other: a message can have millions.
+    void forEachGetRequest(const std::function<void(PropertyGetRequest)>& handle) const;
+    void forEachSetRequest(const std::function<void(PropertySetRequest)>& handle) const;
+    void forEachGetResponse(const std::function<void(PropertyGetResponse)>& handle) const;
 
     /// Returns whether all properties, present and future, are subscribed to.
     [[nodiscard]] bool hasSubscribeAll() const { return has(keys::kSubscribeAll); }

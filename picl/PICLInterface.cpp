@@ -12,11 +12,17 @@ namespace {
 
 constexpr std::uint32_t kDefaultPeriodMs = 500;
 
-std::shared_ptr<UInt32Property> makePublishingPeriod() {
+/// Returns the period in @p manager; a second endpoint finds the one that the first entered.
+std::shared_ptr<UInt32Property> publishingPeriodIn(PropertyManager& manager) {
     const VocabularyEntry& property = vocabulary::properties::kPropertyPublishingPeriodInMs;
     const VocabularyEntry& group = vocabulary::groups::kGeneral;
-    return std::make_shared<UInt32Property>(kDefaultPeriodMs, property.guid, property.name, group.guid,
-                                            group.name);
+    auto period = std::dynamic_pointer_cast<UInt32Property>(manager.findProperty(property.guid, group.guid));
+    if (!period) {
+        period = std::make_shared<UInt32Property>(kDefaultPeriodMs, property.guid, property.name, group.guid,
+                                                  group.name);
+        manager.addPersistentProperty(period);
+    }
+    return period;
 }
 
 std::uint32_t runBody(void* argument) {
@@ -32,11 +38,9 @@ PICLInterface::PICLInterface(std::shared_ptr<PropertyManager> manager,
                              std::shared_ptr<Property> component)
     : m_propertyManager(std::move(manager)),
       m_lists(std::make_shared<PublishLists>()),
-      m_publishingPeriod(makePublishingPeriod()),
+      m_publishingPeriod(publishingPeriodIn(*m_propertyManager)),
       m_componentProperty(std::move(component)),
-      m_publisherThread(threads->createThread(runBody, priority, 0)) {
-    m_propertyManager->addPersistentProperty(m_publishingPeriod);
-}
+      m_publisherThread(threads->createThread(runBody, priority, 0)) {}
 
 PICLInterface::~PICLInterface() = default;
 

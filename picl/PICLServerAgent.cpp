@@ -50,8 +50,12 @@ PICLServerAgent::~PICLServerAgent() { sayGoodbye(); }
 // The goodbye is the publisher's last act: so it never stands inside another frame, nothing of the publisher
 // follows it, and a peer that takes no byte holds up that thread alone.
 void PICLServerAgent::sayGoodbye() {
+    if (std::exchange(m_saidGoodbye, true))
+        return;
     m_publisher->end();
-    if (!m_publishStream->isEmpty())
+    if (!isPublishing() && m_publishStream->isEmpty())
+        m_publishStream->sayGoodbye(); // to nobody
+    else
         startPublishing(); // where nothing was published yet, for this alone
     if (isPublishing())
         static_cast<void>(m_publisher->awaitGoodbye(kGoodbyeLimitMs));
@@ -70,39 +74,33 @@ bool PICLServerAgent::processNextMessage(const std::shared_ptr<Stream>& stream) 
 
 bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std::unique_ptr<JSONPICL> request,
                                      std::unique_ptr<JSONPICL> response) {
-    PropertySetRequests sets;
-    request->readSetRequests(sets);
-    handleSetRequests(sets);
-
-    PropertyGetResponses reports;
-    request->readGetResponses(reports);
+    handleSetRequests(*request);
     if (request->has(keys::kGetAllResponse))
-        m_pendingRequests.answerAll(std::move(reports));
+        handleGetAllResponse(*request);
     else
-        handleGetResponses(reports);
+        handleGetResponses(*request);
 
     if (subscribes(*request))
         setPublishStream(stream);
     return !asks(*request) || answer(*stream, *request, *response);
 }
 
-// One request after the other, so that a message of many takes no more memory than a frame.
+// One request after the other, so that a message of many takes no more memory than its tree and a frame.
 bool PICLServerAgent::answer(Stream& stream, const JSONPICL& request, JSONPICL& response) {
     const bool isForAll = asksForAll(request);
     ReportFrames frames(response, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
                         [&](JSONPICL& frame) { return m_publishStream->reply(stream, frame); });
-    PropertyGetRequests requests;
-    if (!isForAll)
-        request.readGetRequests(requests);
     PropertyGetResponses reports;
-    if (isForAll)
+    if (isForAll) {
         getAllProperties(reports);
-    for (PropertyGetRequest& one : requests) {
-        getProperties({std::move(one)}, reports);
-        if (!frames.add(std::exchange(reports, {})))
-            return false;
+        frames.add(std::move(reports));
+        return frames.finish();
     }
-    return frames.add(std::move(reports)) && frames.finish();
+    request.forEachGetRequest([&](PropertyGetRequest one) {
+        getProperties({std::move(one)}, reports);
+        frames.add(std::exchange(reports, {}));
+    });
+    return frames.finish();
 }
 
 // The reports are made under the lock of the frames, so that none is older than a frame in front of it.
@@ -159,23 +157,31 @@ void PICLServerAgent::keepMirror(const PropertyGetResponse& report, MirrorMaker 
     }
 }
 
-void PICLServerAgent::handleSetRequests(const PropertySetRequests& requests) {
-    for (const PropertySetRequest& request : requests) {
+void PICLServerAgent::handleSetRequests(const JSONPICL& message) {
+    message.forEachSetRequest([this](const PropertySetRequest& request) {
         if (const std::shared_ptr<Property> property =
                 m_propertyManager->findProperty(request.guid, request.group))
             applyText(*property, request.value);
-    }
+    });
 }
 
-void PICLServerAgent::handleGetResponses(const PropertyGetResponses& reports) {
+void PICLServerAgent::handleGetAllResponse(const JSONPICL& message) {
+    m_pendingRequests.answerAll([&message] {
+        PropertyGetResponses reports;
+        message.readGetResponses(reports);
+        return reports;
+    });
+}
+
+void PICLServerAgent::handleGetResponses(const JSONPICL& message) {
     PendingRequests::Groups touched;
-    for (const PropertyGetResponse& report : reports) {
+    message.forEachGetResponse([&](const PropertyGetResponse& report) {
         // Who asks for what has a mirror, asked before the mirror was there.
         if (report.status == status::kNotFound || updateMirror(report))
             m_pendingRequests.answerExactly(report);
         else if (report.status != status::kNoLongerAvailable)
             m_pendingRequests.answer(report, touched);
-    }
+    });
     m_pendingRequests.finishGroups(touched);
 }
 

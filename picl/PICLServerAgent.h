@@ -58,7 +58,7 @@ public:
     /// Returns the mirror of another program's property; one that is not held yet is subscribed to first.
     /// Returns nothing if there is no stream, if the owner has no such property, does not answer in time, or
     /// tells a value that is no T. Thread: any but the reader, which would wait for itself. Blocks at most
-    /// @p timeoutMs milliseconds for the answer.
+    /// @p timeoutMs milliseconds for the answer, and before that for the frames in front of the question.
     template <typename T>
     [[nodiscard]] std::weak_ptr<T> getExternalProperty(const std::string& component, const std::string& group,
                                                        const std::string& guid, std::uint32_t timeoutMs);
@@ -81,8 +81,9 @@ private:
     void subscribe(const PropertyGetRequest& request, MirrorMaker makeMirror, std::uint32_t timeoutMs);
     bool sendAndWait(JSONPICL& message, const std::shared_ptr<PendingResult>& result,
                      std::uint32_t timeoutMs);
-    void handleSetRequests(const PropertySetRequests& requests);
-    void handleGetResponses(const PropertyGetResponses& reports);
+    void handleSetRequests(const JSONPICL& message);
+    void handleGetAllResponse(const JSONPICL& message);
+    void handleGetResponses(const JSONPICL& message);
     [[nodiscard]] bool updateMirror(const PropertyGetResponse& report);
     void keepMirror(const PropertyGetResponse& report, MirrorMaker makeMirror);
     [[nodiscard]] bool answer(Stream& stream, const JSONPICL& request, JSONPICL& response);
@@ -91,6 +92,7 @@ private:
     const std::shared_ptr<Publisher> m_publisher;
     PendingRequests m_pendingRequests;
     ExternalTables m_externalTables;
+    bool m_saidGoodbye = false;
 };
 
 template <typename T>

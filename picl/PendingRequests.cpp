@@ -71,14 +71,14 @@ void PendingRequests::finishGroups(const Groups& touched) {
     }
 }
 
-void PendingRequests::answerAll(PropertyGetResponses reports) {
+void PendingRequests::answerAll(const std::function<PropertyGetResponses()>& read) {
     const auto result = take([](const PendingRequest& pending) {
         const PropertyGetRequest& request = pending.request;
         return request.component.empty() && request.group.empty() && request.guid.empty();
     });
     if (!result)
         return;
-    result->reports = std::move(reports);
+    result->reports = read();
     result->answered.signal();
 }
 

@@ -52,8 +52,8 @@ public:
     /// Ends for each of @p touched the first question for this group.
     void finishGroups(const Groups& touched);
 
-    /// Ends the first question for everything, if there is one, with @p reports.
-    void answerAll(PropertyGetResponses reports);
+    /// Ends the first question for everything, if there is one, with what @p read returns.
+    void answerAll(const std::function<PropertyGetResponses()>& read);
 
 private:
     struct PendingRequest {

@@ -63,15 +63,11 @@ bool PublishStream::hasEnded() const {
 }
 
 void PublishStream::replace(std::shared_ptr<Stream> stream) {
-    m_isBroken = false;
     const KeltoGuard guard(m_streamLock); // the old one leaves with the argument, after it
     m_stream.swap(stream);
 }
 
 bool PublishStream::write(JSONPICL& message) {
     const std::shared_ptr<Stream> stream = current();
-    if (!stream || m_isBroken)
-        return false;
-    m_isBroken = !message.exportTo(*stream);
-    return !m_isBroken;
+    return stream && message.exportTo(*stream);
 }

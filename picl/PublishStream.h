@@ -10,9 +10,12 @@ class Stream;
 
 /// The one stream on which an endpoint publishes, asks and says goodbye; absent at first.
 ///
-/// Frames stay whole and in order: each is one write under m_frameLock, and after one that failed, perhaps in
-/// its middle, nothing follows it. A write can take as long as the stream lets it stall; whether there is a
-/// stream can be asked meanwhile.
+/// Frames stay whole and in order: each is one write under m_frameLock. That nothing follows a frame that
+/// broke off in its middle is the stream's own care. A write can take as long as the stream lets it stall;
+/// whether there is a stream can be asked meanwhile.
+///
+/// There is none until set(), none after a publication that failed, until set() again, and none for good
+/// after sayGoodbye().
 ///
 /// Order of locks: m_frameLock, then m_streamLock.
 class PublishStream {
@@ -48,7 +51,6 @@ private:
     [[nodiscard]] bool write(JSONPICL& message) KELTO_REQUIRES(m_frameLock);
 
     KeltoMutex m_frameLock;
-    bool m_isBroken KELTO_GUARDED_BY(m_frameLock) = false; // a frame may have stopped in its middle
     mutable KeltoMutex m_streamLock;
     std::shared_ptr<Stream> m_stream KELTO_GUARDED_BY(m_streamLock);
     bool m_hasEnded KELTO_GUARDED_BY(m_streamLock) = false;

@@ -75,7 +75,10 @@ private:
         std::shared_ptr<T> fallback = find(manager, guid, groupGuid);
         if (!fallback) {
             fallback = std::make_shared<T>(m_default, guid, name, groupGuid, groupName);
-            manager.addProperty(fallback);
+            if (!manager.addProperty(fallback)) {
+                if (std::shared_ptr<T> other = find(manager, guid, groupGuid)) // which was a moment faster
+                    return other;
+            }
         }
         return fallback;
     }

@@ -11,8 +11,7 @@ bool PublishingPropertyManager::addProperty(std::shared_ptr<Property> property) 
     {
         const KeltoGuard guard(m_publisherLock);
         listening = m_publisher.lock();
-        if (!listening)
-            m_pendingProperties.push_back(property);
+        m_pendingProperties.push_back(property);
     }
     if (listening)
         listening->addProperty(property);
@@ -22,6 +21,10 @@ bool PublishingPropertyManager::addProperty(std::shared_ptr<Property> property) 
 void PublishingPropertyManager::removeProperty(const std::shared_ptr<Property>& property,
                                                std::shared_ptr<SimpleEvent> done) {
     announceRemoval(property);
+    {
+        const KeltoGuard guard(m_publisherLock);
+        std::erase(m_pendingProperties, property);
+    }
     PropertyManager::removeProperty(property, std::move(done));
 }
 

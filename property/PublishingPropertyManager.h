@@ -16,11 +16,11 @@ public:
     using PropertyManager::PropertyManager;
     ~PublishingPropertyManager() override;
 
-    /// Announces @p property, or remembers it for setPublisher(), and then adds it. The publisher hears of
+    /// Announces @p property, remembers it for a publisher to come, and then adds it. The publisher hears of
     /// one that the table refuses, too. Thread: any.
     bool addProperty(std::shared_ptr<Property> property) override;
 
-    /// Announces that @p property goes, and removes it. Thread: any.
+    /// Announces that @p property goes, forgets it, and removes it. Thread: any.
     void removeProperty(const std::shared_ptr<Property>& property,
                         std::shared_ptr<SimpleEvent> done) override;
 

@@ -46,7 +46,8 @@ public:
     /// Blocks without limit, until close().
     [[nodiscard]] Transfer read(void* buffer, std::size_t size);
 
-    /// Writes all of @p size bytes. A failure may come after some have gone out. Never raises SIGPIPE.
+    /// Writes all of @p size bytes. A failure may come after some have gone out; then every later write fails
+    /// too, since nobody could tell where its bytes begin. Never raises SIGPIPE.
     /// Thread: one at a time. Blocks until everything is out, until close(), or until no byte has gone out
     /// for the stall limit.
     [[nodiscard]] Transfer write(const void* buffer, std::size_t size);
@@ -59,6 +60,7 @@ private:
     class Call;
     enum class Wake { Ready, HungUp, TimedOut, Closed, Failed };
 
+    [[nodiscard]] Transfer writeAll(const void* buffer, std::size_t size);
     [[nodiscard]] Wake await(short event, std::chrono::milliseconds timeout) const;
     [[nodiscard]] std::ptrdiff_t writeSome(const char* bytes, std::size_t size) const;
 
@@ -66,6 +68,7 @@ private:
     Descriptor m_wakeUp;
     std::chrono::milliseconds m_stallLimit = kStallLimit;
     bool m_isSocket = false;
+    bool m_brokeOff = false; // a write, in its middle; only writes touch it
 
     mutable std::mutex m_lock;
     std::condition_variable m_left; // notified when the last call leaves

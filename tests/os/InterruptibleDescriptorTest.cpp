@@ -85,6 +85,11 @@ TEST(InterruptibleDescriptor, AWriteWithoutProgressTimesOutAndSaysHowFarItCame) 
     EXPECT_GT(result.count, 0U);
     EXPECT_LT(result.count, bytes.size());
     EXPECT_TRUE(stream.isOpen()) << "what that means is the caller's to say";
+
+    std::string room(result.count, '\0');
+    EXPECT_EQ(::recv(pair.far.value(), room.data(), room.size(), MSG_WAITALL),
+              static_cast<ssize_t>(room.size()));
+    EXPECT_EQ(stream.write("x", 1).count, 0U) << "nothing follows what broke off";
 }
 
 TEST(InterruptibleDescriptor, ReadsNothingAtThePeersEnd) {

@@ -20,9 +20,7 @@ protected:
         std::filesystem::create_directory(root() / "store");
         manager = std::make_shared<PublishingPropertyManager>(threads, kThreadPriority, kThreadPriority,
                                                               L"/store/AppPreferences.ini", L"/boot/none");
-        agent = std::make_shared<PICLServerAgent>(
-            manager, threads, kThreadPriority,
-            std::make_shared<StringProperty>("x", "MY-GUID", "My Program", "c", "Components"));
+        agent = std::make_shared<PICLServerAgent>(manager, threads, kThreadPriority, component);
         manager->setPublisher(agent);
         period = std::dynamic_pointer_cast<UInt32Property>(manager->findProperty(
             vocabulary::properties::kPropertyPublishingPeriodInMs.guid, vocabulary::groups::kGeneral.guid));
@@ -87,6 +85,8 @@ protected:
     static constexpr const char* kGoodbye = R"({"Disconnect": "True"})";
 
     std::shared_ptr<ThreadFactory> threads = std::make_shared<ThreadFactory>(kThreadPriority);
+    std::shared_ptr<Property> component =
+        std::make_shared<StringProperty>("x", "MY-GUID", "My Program", "c", "Components");
     std::shared_ptr<PublishingPropertyManager> manager;
     std::shared_ptr<PICLServerAgent> agent;
     std::shared_ptr<UInt32Property> period;

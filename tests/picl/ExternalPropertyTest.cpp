@@ -21,10 +21,10 @@ protected:
         });
     }
 
-    [[nodiscard]] std::unique_ptr<External> make(const char* component = "OWNER", bool hasAgent = true,
+    [[nodiscard]] std::unique_ptr<External> make(const char* owner = "OWNER", bool hasAgent = true,
                                                  std::uint32_t timeoutMs = 50) const {
-        return std::make_unique<External>(300U, hasAgent ? agent : nullptr, manager, component, "XP", "n",
-                                          "XG", "g", timeoutMs);
+        return std::make_unique<External>(300U, hasAgent ? agent : nullptr, manager, owner, "XP", "n", "XG",
+                                          "g", timeoutMs);
     }
 
     [[nodiscard]] std::shared_ptr<UInt32Property> held() const {
@@ -51,6 +51,9 @@ TEST_F(ExternalProperty, AMirrorFollowsItsOwnerUntilItGoes) {
     peer->says(ownersReport("bad"));
     sync();
     EXPECT_EQ(mirror->getValue(), 201U);
+    peer->says(R"({"GetAllPropertiesResponse": true,)" + ownersReport("202").substr(1)); // asked by nobody
+    sync();
+    EXPECT_EQ(mirror->getValue(), 201U);
     peer->says(ownersReport("203", "Property No Longer Available"));
     sync();
     EXPECT_EQ(mirror->getValue(), 203U);
@@ -64,8 +67,10 @@ TEST_F(ExternalProperty, TwoThatAskAtOnceGetTheOneMirror) {
     EXPECT_EQ(peer->hears(), frameOf(kSubscribe));
     peer->says(ownersReport("1"));
     peer->says(ownersReport("2"));
+    ASSERT_EQ(one.wait_for(kDeadline / 2), std::future_status::ready);
     const auto mirror = one.get();
     ASSERT_TRUE(mirror);
+    ASSERT_EQ(other.wait_for(kDeadline / 2), std::future_status::ready); // not by its time-out
     EXPECT_EQ(other.get(), mirror);
     EXPECT_EQ(mirror, held());
 }

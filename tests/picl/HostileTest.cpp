@@ -75,6 +75,10 @@ TEST_F(Hostile, FramesAreTakenOrEndTheReading) {
         {"nesting within the limit", frameOf("{\"a\": " + repeated("[", 9900) + repeated("]", 9900) + "}"),
          1},
         {"nesting beyond it", frameOf("{\"a\": " + repeated("[", 200'000) + "}"), 0},
+        {"room for thousands of open lists",
+         frameOf("{\"a\": [[0" + repeated(",0", 100'000) + "]," + repeated("[", 3000) + repeated("]", 3000) +
+                 "]}"),
+         1},
         {"unknown keys", frameOf(R"({"x": {"y": [1]}, "PropertySetRequests": [{"z": {}}]})"), 1},
         {"every byte", frameOf(value + everyByte + "\"}]}"), 1},
         {"a zero byte", frameOf(value + std::string(1, '\0') + "\"}]}"), 0},

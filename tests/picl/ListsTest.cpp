@@ -93,7 +93,9 @@ TEST(PendingRequests, EndAsTheirAnswersCome) {
         {"the answer for all ends the question for everything",
          {{"C", "G", ""}, {"", "", ""}},
          [](PendingRequests& p) {
-             p.answerAll({reportOn("C", "G", "P"), reportOn("C", "G", "Q")});
+             p.answerAll([] {
+                 return PropertyGetResponses{reportOn("C", "G", "P"), reportOn("C", "G", "Q")};
+             });
          },
          {kOpen, 2}},
         {"a miss ends only the exact question",

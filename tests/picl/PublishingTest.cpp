@@ -17,7 +17,7 @@ TEST_F(AgentTest, ChangesLeaveInOneFrameTheNewestFirstWithTheValueOfNow) {
     const auto second = add<UInt32Property>("B", 0U);
     first->setValue(5);
     add<Untold>("U", "");
-    agent->removeProperty(second);
+    manager->removeProperty(second, nullptr);
     agent->startPublishing();
     const std::string a = report(*first);
     const std::string b = report(*second);
@@ -70,21 +70,34 @@ TEST_F(AgentTest, AfterAFailedWriteThereIsSilenceUntilSomebodySubscribes) {
     peer->fail(false);
     EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
     EXPECT_TRUE(agent->getExternalProperty<BoolProperty>("OWNER", "XG", "XP", 60000).expired());
+    agent->removeProperty(period); // which is told when there is somebody again
     connect();
     EXPECT_TRUE(agent->setExternalValue("OWNER", "XG", "XP", "a\"b"));
     EXPECT_EQ(
         peer->hears(),
         frameOf(R"({"PropertySetRequests": [{"Component": "OWNER","GUID": "XG:XP","Value": "a\"b"}]})"));
+    EXPECT_EQ(peer->hears(), frameOf(reports(report(*period, "Property No Longer Available"))));
 }
 
-TEST_F(AgentTest, NothingFollowsAFrameThatBrokeOff) {
+TEST_F(AgentTest, ASetThatFailsIsNoEnd) {
     connect();
     peer->fail(true);
     EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
     peer->fail(false);
-    EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
-    agent.reset();
-    EXPECT_TRUE(peer->heardAll()); // no goodbye either
+    EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", std::string(frame::kLargestText, 'v')));
+    EXPECT_TRUE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
+}
+
+TEST_F(AgentTest, ASecondAgentTakesOverWhereTheFirstEnded) {
+    const auto number = add<UInt32Property>("N", 1U);
+    agent = std::make_shared<PICLServerAgent>(manager, threads, kThreadPriority, component);
+    manager->setPublisher(agent);
+    connect();
+    period->setValue(250);
+    number->setValue(2);
+    agent->startPublishing();
+    EXPECT_EQ(peer->hears(), frameOf(reports(report(*number) + "," + report(*period) + "," + report(*number) +
+                                             "," + report(*period))));
 }
 
 TEST_F(AgentTest, TheGoodbyeIsTheLastFrameWhoeverHoldsTheAgent) {
@@ -100,9 +113,7 @@ TEST_F(AgentTest, TheGoodbyeIsTheLastFrameWhoeverHoldsTheAgent) {
         peer->says(R"({"SubscribeAllCurrentAndNewProperties": 0})");
         reader.join(); // its answer is refused
         EXPECT_TRUE(peer->heardAll());
-        agent = std::make_shared<PICLServerAgent>(
-            manager, threads, kThreadPriority,
-            std::make_shared<StringProperty>("x", "MY-GUID", "My Program", "c", "Components"));
+        agent = std::make_shared<PICLServerAgent>(manager, threads, kThreadPriority, component);
     }
 }
 
@@ -110,9 +121,7 @@ TEST_F(AgentTest, APeerThatDoesNotReadHoldsUpNobody) {
     for (const bool readsOn : {false, true}) {
         SCOPED_TRACE(readsOn);
         auto last = std::make_shared<ScriptedPeer>();
-        auto mine = std::make_shared<PICLServerAgent>(
-            manager, threads, kThreadPriority,
-            std::make_shared<StringProperty>("x", "MY-GUID", "My Program", "c", "Components"));
+        auto mine = std::make_shared<PICLServerAgent>(manager, threads, kThreadPriority, component);
         mine->setPublishStream(last);
         last->hears();
         last->stall(true);

@@ -104,6 +104,14 @@ Transfer InterruptibleDescriptor::write(const void* buffer, std::size_t size) {
     const Call call(*this);
     if (!call.entered())
         return {0, closedFailure()};
+    if (m_brokeOff)
+        return {0, hungUpFailure()};
+    const Transfer transfer = writeAll(buffer, size);
+    m_brokeOff = transfer.failure && transfer.count > 0;
+    return transfer;
+}
+
+Transfer InterruptibleDescriptor::writeAll(const void* buffer, std::size_t size) {
     const char* bytes = static_cast<const char*>(buffer);
     bool hungUp = false;
     auto stallEnd = Clock::now() + m_stallLimit; // only progress moves it on
