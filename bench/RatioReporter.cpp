@@ -2,6 +2,23 @@
 
 #include <cstdio>
 
+namespace {
+
+double valueOf(const Comparison& comparison, const RatioReporter::Run& subject,
+               const RatioReporter::Run& peer) {
+    switch (comparison.kind) {
+    case Comparison::Kind::TimeRatio:
+        return subject.GetAdjustedRealTime() / peer.GetAdjustedRealTime();
+    case Comparison::Kind::CounterDifference:
+        return subject.counters.at(comparison.counter) - peer.counters.at(comparison.counter);
+    case Comparison::Kind::Counter:
+        return subject.counters.at(comparison.counter);
+    }
+    return 0;
+}
+
+} // namespace
+
 void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
     for (const Run& run : runs) {
         if (run.aggregate_name == "median")
@@ -13,19 +30,18 @@ void RatioReporter::ReportRuns(const std::vector<Run>& runs) {
 bool RatioReporter::compare(const std::vector<Comparison>& comparisons) const {
     bool allKept = true;
     for (const Comparison& c : comparisons) {
+        const bool isAlone = c.kind == Comparison::Kind::Counter;
         const auto subject = m_medians.find(c.subject);
-        const auto peer = m_medians.find(c.peer);
+        const auto peer = isAlone ? subject : m_medians.find(c.peer);
         if (subject == m_medians.end() || peer == m_medians.end())
             continue; // filtered out on the command line
-        const bool isRatio = c.kind == Comparison::Kind::TimeRatio;
-        const double value =
-            isRatio ? subject->second.GetAdjustedRealTime() / peer->second.GetAdjustedRealTime()
-                    : subject->second.counters.at(c.counter) - peer->second.counters.at(c.counter);
+        const double value = valueOf(c, subject->second, peer->second);
         const bool kept = value <= c.limit;
         allKept = allKept && kept;
-        std::printf("%s %s %s: %.2f%s (limit %.2f) %s\n", c.subject.c_str(), isRatio ? "/" : "-",
-                    c.peer.c_str(), value, isRatio ? "" : (' ' + c.counter).c_str(), c.limit,
-                    kept ? "ok" : "MISSED");
+        const bool isRatio = c.kind == Comparison::Kind::TimeRatio;
+        const std::string beside = isAlone ? "" : (isRatio ? " / " : " - ") + c.peer;
+        std::printf("%s%s: %.2f%s (limit %.2f) %s\n", c.subject.c_str(), beside.c_str(), value,
+                    isRatio ? "" : (' ' + c.counter).c_str(), c.limit, kept ? "ok" : "MISSED");
     }
     return allKept;
 }

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-/// What is compared: the medians of two benchmarks of the same run.
+/// What is compared: the medians of two benchmarks of the same run, or a counter of one with its limit alone.
 struct Comparison {
-    enum class Kind { TimeRatio, CounterDifference };
+    enum class Kind { TimeRatio, CounterDifference, Counter };
     std::string subject;
-    std::string peer;
+    std::string peer; ///< Empty for a counter alone.
     double limit = 0;
     Kind kind = Kind::TimeRatio;
-    std::string counter{}; ///< For a difference.
+    std::string counter{}; ///< Where one is compared.
 };
 
 /// Prints the usual table and below it each comparison with its limit.

@@ -1,15 +1,12 @@
+#include "bench/Program.h"
 #include "bench/RatioReporter.h"
 #include "bench/TemporaryRoot.h"
 
 #include "app/UpgradeMessage.h"
 #include "tools/upgrader/UpgraderLink.h"
 
-#include <csignal>
 #include <fcntl.h>
-#include <spawn.h>
 #include <stdexcept>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -20,38 +17,6 @@ using namespace std::chrono_literals;
 
 constexpr int kStarts = 5;
 constexpr int kRepetitions = 7;
-constexpr double kKilobytesInMegabyte = 1024;
-
-std::filesystem::path programFolder() { return std::filesystem::canonical("/proc/self/exe").parent_path(); }
-
-/// A started program; standard output is the write end of the given pipe if there is one.
-class Program {
-public:
-    Program(const std::filesystem::path& path, int output) {
-        posix_spawn_file_actions_t files;
-        ::posix_spawn_file_actions_init(&files);
-        if (output >= 0)
-            ::posix_spawn_file_actions_adddup2(&files, output, STDOUT_FILENO);
-        std::string name = path.string();
-        char* argv[] = {name.data(), nullptr};
-        const int result = ::posix_spawn(&m_pid, name.c_str(), &files, nullptr, argv, environ);
-        ::posix_spawn_file_actions_destroy(&files);
-        if (result != 0)
-            throw std::runtime_error("cannot start " + name);
-    }
-
-    /// Waits for the end. Returns the most memory that the program had, in MB.
-    double peakMemory() const {
-        rusage usage{};
-        int status = 0;
-        if (::wait4(m_pid, &status, 0, &usage) != m_pid || status != 0)
-            throw std::runtime_error("a measured program failed");
-        return static_cast<double>(usage.ru_maxrss) / kKilobytesInMegabyte;
-    }
-
-private:
-    pid_t m_pid = -1;
-};
 
 void minimalQtQuick(benchmark::State& state) {
     int ready[2];
