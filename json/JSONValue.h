@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct JSONMember;
@@ -116,7 +117,8 @@ public:
     JSONValue(std::signed_integral auto value) : intValue(value), type(JSONValueType::IntValue) {}
     JSONValue(double value) : floatValue(value), type(JSONValueType::FloatValue) {}
     JSONValue(std::same_as<bool> auto value) : boolValue(value), type(JSONValueType::BoolValue) {}
-    JSONValue(std::string text) : textValue(std::move(text)), type(JSONValueType::StringValue) {}
+    JSONValue(const std::string& text) : textValue(text), type(JSONValueType::StringValue) {}
+    JSONValue(std::string&& text) : textValue(std::move(text)), type(JSONValueType::StringValue) {}
     JSONValue(std::string_view text) : textValue(text), type(JSONValueType::StringValue) {}
     JSONValue(const char* text) : textValue(text), type(JSONValueType::StringValue) {}
     JSONValue(JSONObject object) : objectValue(std::move(object)), type(JSONValueType::ObjectValue) {}
@@ -147,6 +149,8 @@ struct JSONMember {
     JSONMember() = default;
     JSONMember(std::string theKey, JSONValue theValue) : key(std::move(theKey)), value(std::move(theValue)) {}
     JSONMember(std::string_view theKey, std::string_view text) : key(theKey), value(text) {}
+    JSONMember(std::string_view theKey, std::same_as<std::string> auto&& text)
+        : key(theKey), value(std::forward<decltype(text)>(text)) {}
     ~JSONMember() = default;
 
     // Whole: where members move up in an object, nothing of the one that stood there must stay.

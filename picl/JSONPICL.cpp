@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstddef>
+#include <initializer_list>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -18,41 +20,45 @@ constexpr std::string_view kNameString = "NameString";
 constexpr std::string_view kStatus = "Status";
 constexpr std::string_view kValue = "Value";
 
-JSONMember member(std::string_view key, std::string text) { return {std::string(key), std::move(text)}; }
+struct Field {
+    std::string_view key;
+    std::string& text; // which the item takes
+};
 
-template <typename... Members>
-JSONValue item(Members&&... members) {
-    std::vector<JSONMember> list;
-    list.reserve(sizeof...(members));
-    (list.push_back(std::forward<Members>(members)), ...);
-    return JSONObject(std::move(list));
+JSONValue item(std::initializer_list<Field> fields) {
+    std::vector<JSONMember> members;
+    members.reserve(fields.size());
+    for (const Field& field : fields)
+        members.emplace_back(field.key, std::move(field.text));
+    return JSONObject(std::move(members));
 }
 
-JSONValue itemOf(PropertyGetRequest request) {
-    return item(member(kComponent, std::move(request.component)),
-                member(kGuid, fullKey(request.group, request.guid)));
+JSONValue itemOf(PropertyGetRequest& request) {
+    std::string key = fullKey(request.group, request.guid);
+    return item({{kComponent, request.component}, {kGuid, key}});
 }
 
-JSONValue itemOf(PropertySetRequest request) {
-    return item(member(kComponent, std::move(request.component)),
-                member(kGuid, fullKey(request.group, request.guid)),
-                member(kValue, std::move(request.value)));
+JSONValue itemOf(PropertySetRequest& request) {
+    std::string key = fullKey(request.group, request.guid);
+    return item({{kComponent, request.component}, {kGuid, key}, {kValue, request.value}});
 }
 
-JSONValue itemOf(PropertyGetResponse response) {
-    return item(member(kComponent, std::move(response.component)),
-                member(kComponentString, std::move(response.componentString)),
-                member(kGuid, fullKey(response.group, response.guid)),
-                member(kGroupString, std::move(response.groupString)),
-                member(kNameString, std::move(response.nameString)),
-                member(kStatus, std::move(response.status)), member(kValue, std::move(response.value)));
+JSONValue itemOf(PropertyGetResponse& response) {
+    std::string key = fullKey(response.group, response.guid);
+    return item({{kComponent, response.component},
+                 {kComponentString, response.componentString},
+                 {kGuid, key},
+                 {kGroupString, response.groupString},
+                 {kNameString, response.nameString},
+                 {kStatus, response.status},
+                 {kValue, response.value}});
 }
 
 template <typename Record>
 void appendItem(JSONObject& message, std::string_view key, Record record) {
     JSONValue& list = message[key];
     JSONArray items = std::move(list.arrayValue);
-    items.append(itemOf(std::move(record)));
+    items.append(itemOf(record));
     list = std::move(items);
 }
 
@@ -61,49 +67,56 @@ void setItems(JSONObject& message, std::string_view key, Records& records) {
     JSONArray items;
     items.reserve(records.size());
     for (auto& record : records)
-        items.append(itemOf(std::move(record)));
+        items.append(itemOf(record));
     message[key] = std::move(items);
 }
 
-/// An item as it is read: a field that is missing, or is no text, is empty.
+/// An item as it is read: a field that is missing, or is no text, is empty. Fields are found at once where
+/// they are asked for in the order of their keys.
 class Item {
 public:
-    explicit Item(const JSONValue& value) : m_object(value.objectValue), m_key(splitKey(text(kGuid))) {}
+    explicit Item(const JSONValue& value) : m_object(value.objectValue), m_next(m_object.begin()) {}
 
-    [[nodiscard]] std::string group() const { return std::string(m_key.groupGuid); }
-    [[nodiscard]] std::string guid() const { return std::string(m_key.guid); }
-
-    [[nodiscard]] const std::string& text(std::string_view key) const {
+    [[nodiscard]] const std::string& text(std::string_view key) {
         static const std::string kNothing;
-        JSONObject::const_iterator found;
-        return findKey(m_object, key, found) ? found->value.textValue : kNothing;
+        JSONObject::const_iterator found = m_next;
+        if ((found == m_object.end() || found->key != key) && !findKey(m_object, key, found))
+            return kNothing;
+        m_next = std::next(found);
+        return found->value.textValue;
+    }
+
+    template <typename Record>
+    void readKey(Record& record) {
+        const SplitKey key = splitKey(text(kGuid));
+        record.group = key.groupGuid;
+        record.guid = key.guid;
     }
 
 private:
     const JSONObject& m_object;
-    SplitKey m_key;
+    JSONObject::const_iterator m_next;
 };
 
-void read(const Item& item, PropertyGetRequest& request) {
-    request = {.component = item.text(kComponent), .group = item.group(), .guid = item.guid()};
+void read(Item item, PropertyGetRequest& request) {
+    request.component = item.text(kComponent);
+    item.readKey(request);
 }
 
-void read(const Item& item, PropertySetRequest& request) {
-    request = {.guid = item.guid(),
-               .group = item.group(),
-               .component = item.text(kComponent),
-               .value = item.text(kValue)};
+void read(Item item, PropertySetRequest& request) {
+    request.component = item.text(kComponent);
+    item.readKey(request);
+    request.value = item.text(kValue);
 }
 
-void read(const Item& item, PropertyGetResponse& response) {
-    response = {.group = item.group(),
-                .groupString = item.text(kGroupString),
-                .guid = item.guid(),
-                .nameString = item.text(kNameString),
-                .value = item.text(kValue),
-                .status = item.text(kStatus),
-                .component = item.text(kComponent),
-                .componentString = item.text(kComponentString)};
+void read(Item item, PropertyGetResponse& response) {
+    response.component = item.text(kComponent);
+    response.componentString = item.text(kComponentString);
+    item.readKey(response);
+    response.groupString = item.text(kGroupString);
+    response.nameString = item.text(kNameString);
+    response.status = item.text(kStatus);
+    response.value = item.text(kValue);
 }
 
 template <typename Record>
