@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <clocale>
 #include <cstdlib>
 #include <fstream>
 #include <regex.h>
@@ -93,16 +92,6 @@ TEST(JSONReader, RefusesWhatTheTableSays) {
 TEST(JSONReader, NumbersAreThoseOfTheCLibrary) {
     for (const char* const text : {"2147483647", "-2147483648", "4294967296", "99999999999999999999"})
         EXPECT_EQ(parse(text).intValue, std::atoi(text)) << text;
-}
-
-TEST(JSONReader, ALocaleWithACommaChangesNothing) {
-    // NOLINTBEGIN(concurrency-mt-unsafe): there is no other thread
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") == nullptr)
-        GTEST_SKIP() << "no such locale here";
-    EXPECT_EQ(printed(parse("[1.5]")), "[1.50000000]");
-    std::setlocale(LC_ALL, before.c_str());
-    // NOLINTEND(concurrency-mt-unsafe)
 }
 
 TEST(JSONReader,
