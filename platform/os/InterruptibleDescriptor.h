@@ -61,7 +61,7 @@ private:
     enum class Wake { Ready, HungUp, TimedOut, Closed, Failed };
 
     [[nodiscard]] Transfer writeAll(const void* buffer, std::size_t size);
-    [[nodiscard]] Wake await(short event, std::chrono::milliseconds timeout) const;
+    [[nodiscard]] Wake await(short event, std::chrono::steady_clock::time_point deadline) const;
     [[nodiscard]] std::ptrdiff_t writeSome(const char* bytes, std::size_t size) const;
 
     Descriptor m_descriptor; // replaced by none when m_closed and no call is inside

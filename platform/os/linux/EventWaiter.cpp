@@ -1,11 +1,11 @@
 #include "platform/os/EventWaiter.h"
 
 #include "platform/os/NamedEvent.h"
+#include "platform/os/linux/Deadline.h"
 #include "platform/os/linux/SystemCall.h"
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <span>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
@@ -14,9 +14,6 @@
 namespace os {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-constexpr int kForever = -1;
 constexpr std::size_t kWakeUp = EventWaiter::kMostEvents; // its index, after those of the events
 
 enum class Reset { Done, NothingThere, Failed };
@@ -34,13 +31,6 @@ Reset resetEvent(int pipe) {
         if (count < static_cast<ssize_t>(signals.size()))
             return any ? Reset::Done : Reset::NothingThere;
     }
-}
-
-int remainingMs(Clock::time_point deadline) {
-    if (deadline == Clock::time_point::max())
-        return kForever;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
 }
 
 // Returns the first event of those that are ready; nothing if the waits are over.
@@ -76,7 +66,7 @@ void EventWaiter::watch(const NamedEvent& event, std::size_t index) {
 }
 
 EventWaiter::Result EventWaiter::wait(std::optional<std::chrono::milliseconds> timeout) {
-    const auto deadline = timeout ? Clock::now() + *timeout : Clock::time_point::max();
+    const Deadline deadline = timeout ? Deadline::clock::now() + *timeout : kNever;
     while (!m_refused) {
         std::array<epoll_event, kMostEvents + 1> ready;
         const int count = ::epoll_wait(m_ready.value(), ready.data(), ready.size(), remainingMs(deadline));

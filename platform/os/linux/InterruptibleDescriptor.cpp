@@ -1,9 +1,9 @@
 #include "platform/os/InterruptibleDescriptor.h"
 
+#include "platform/os/linux/Deadline.h"
 #include "platform/os/linux/PipeSignalGuard.h"
 #include "platform/os/linux/SystemCall.h"
 
-#include <algorithm>
 #include <array>
 #include <fcntl.h>
 #include <poll.h>
@@ -15,10 +15,8 @@
 namespace os {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Clock = Deadline::clock;
 using std::chrono::milliseconds;
-
-constexpr milliseconds kForever{-1};
 
 std::error_code closedFailure() { return std::make_error_code(std::errc::operation_canceled); }
 
@@ -91,7 +89,7 @@ Transfer InterruptibleDescriptor::read(void* buffer, std::size_t size) {
             return {0, lastFailure()};
         if (hungUp)
             return {0, hungUpFailure()};
-        const Wake wake = await(POLLIN, kForever);
+        const Wake wake = await(POLLIN, kNever);
         if (wake == Wake::Closed)
             return {0, closedFailure()};
         if (wake == Wake::Failed)
@@ -128,11 +126,11 @@ Transfer InterruptibleDescriptor::writeAll(const void* buffer, std::size_t size)
         if (count < 0 && hungUp)
             return {sent, hungUpFailure()};
         // Also after progress: a peer that takes byte after byte must not keep a close() waiting.
-        const auto left = std::chrono::ceil<milliseconds>(stallEnd - Clock::now());
-        const Wake wake = await(POLLOUT, std::max(left, milliseconds(0)));
+        const bool stalled = count <= 0 && Clock::now() >= stallEnd;
+        const Wake wake = await(POLLOUT, stallEnd);
         if (wake == Wake::Closed)
             return {sent, closedFailure()};
-        if (wake == Wake::TimedOut || (left.count() <= 0 && count <= 0))
+        if (wake == Wake::TimedOut || stalled)
             return {sent, std::make_error_code(std::errc::timed_out)};
         if (wake == Wake::Failed)
             return {sent, lastFailure()};
@@ -147,14 +145,9 @@ std::ptrdiff_t InterruptibleDescriptor::writeSome(const char* bytes, std::size_t
     return retried([&] { return ::write(m_descriptor.value(), bytes, size); });
 }
 
-InterruptibleDescriptor::Wake InterruptibleDescriptor::await(short event, milliseconds timeout) const {
-    const Clock::time_point deadline = Clock::now() + timeout;
+InterruptibleDescriptor::Wake InterruptibleDescriptor::await(short event, Clock::time_point deadline) const {
     std::array<pollfd, 2> entries{{{m_descriptor.value(), event, 0}, {m_wakeUp.value(), POLLIN, 0}}};
-    const int count = retried([&] {
-        const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
-        const milliseconds wait = timeout == kForever ? kForever : std::max(left, milliseconds(0));
-        return ::poll(entries.data(), entries.size(), static_cast<int>(wait.count()));
-    });
+    const int count = retried([&] { return ::poll(entries.data(), entries.size(), remainingMs(deadline)); });
     if (count < 0)
         return Wake::Failed;
     if (count == 0)
