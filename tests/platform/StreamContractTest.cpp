@@ -1,15 +1,18 @@
 #include "tests/platform/StreamMedia.h"
 #include "tests/support/DeviceRootTest.h"
 #include "tests/support/FaultyStream.h"
+#include "tests/support/ProbedThread.h"
 
 #include <algorithm>
 #include <future>
+#include <span>
 
 namespace {
 
 struct Kind {
     const char* name;
     std::unique_ptr<StreamMedium> (*make)(const std::filesystem::path& root);
+    std::uint32_t number = kFileOrDeviceStream;
 };
 
 class StreamContract : public DeviceRootTest, public ::testing::WithParamInterface<Kind> {
@@ -87,19 +90,43 @@ TEST_P(StreamContract, HasItsNumberItsKindAndItsStatus) {
     const auto first = medium->writer();
     EXPECT_EQ(first->getId(), before + 1);
     EXPECT_EQ(MemoryStream().getId(), before + 2);
-    EXPECT_EQ(first->getKind(), kFileOrDeviceStream);
+    EXPECT_EQ(first->getKind(), GetParam().number);
     EXPECT_EQ(first->getStatus(), 1U);
     first->close();
     EXPECT_EQ(first->getStatus(), 1U);
+}
+
+class BlockedStreams : public StreamContract {};
+
+TEST_P(BlockedStreams, EndTheReadAndTheWriteAtClose) {
+    const auto stream = medium->writer();
+    std::int32_t read = 0;
+    std::int32_t written = 0;
+    {
+        const ProbedThread reading([&] {
+            char byte = 0;
+            read = stream->read(&byte, 1);
+        });
+        const ProbedThread writing(
+            [&] { written = stream->writeBytes(std::vector<std::uint8_t>(20'000'000)); });
+        EXPECT_TRUE(reading.fallsAsleep());
+        EXPECT_TRUE(writing.fallsAsleep());
+        stream->close();
+    }
+    EXPECT_EQ(read, StreamFailed);
+    EXPECT_EQ(written, StreamFailed);
 }
 
 constexpr Kind kKinds[] = {
     {"AFile", makeFileMedium},
     {"AUnixSocket", makeSocketMedium},
     {"ACharacterDevice", makeTerminalMedium},
+    {"ATcpConnection", makeTcpMedium, kSocketStream},
 };
 
-INSTANTIATE_TEST_SUITE_P(, StreamContract, ::testing::ValuesIn(kKinds),
-                         [](const auto& row) { return std::string(row.param.name); });
+std::string nameOf(const ::testing::TestParamInfo<Kind>& row) { return row.param.name; }
+
+INSTANTIATE_TEST_SUITE_P(, StreamContract, ::testing::ValuesIn(kKinds), nameOf);
+INSTANTIATE_TEST_SUITE_P(, BlockedStreams, ::testing::ValuesIn(std::span(kKinds).subspan(1)), nameOf);
 
 } // namespace

@@ -2,11 +2,14 @@
 
 #include "platform/FileStream.h"
 #include "platform/OXPLStreamDriverInterface.h"
+#include "platform/SocketFactory.h"
 #include "tests/support/DeviceRootTest.h"
+#include "tests/support/LoopbackPort.h"
 #include "tests/support/PrinterDevice.h"
 
 #include <fstream>
 #include <iterator>
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
@@ -34,20 +37,12 @@ private:
     std::filesystem::path m_folder;
 };
 
-/// A device whose other side the test holds in its hand.
-class DeviceMedium final : public StreamMedium {
+/// A connection whose other side the test holds in its hand.
+class TwoSidedMedium : public StreamMedium {
 public:
-    explicit DeviceMedium(std::unique_ptr<PrinterDevice> device) : m_device(std::move(device)) {}
-
     std::unique_ptr<Stream> reader(const std::string& bytes) override {
         auto stream = writer();
         EXPECT_EQ(::write(m_other.value(), bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
-        return stream;
-    }
-    std::unique_ptr<Stream> writer() override {
-        auto stream = std::make_unique<OXPLStreamDriverInterface>(L"PRN0:", kFileOrDeviceStream);
-        EXPECT_TRUE(stream->isOpen());
-        m_other = m_device->takeOtherSide();
         return stream;
     }
     std::string take(std::size_t count) override {
@@ -63,9 +58,43 @@ public:
         return result;
     }
 
+protected:
+    os::Descriptor m_other;
+};
+
+class DeviceMedium final : public TwoSidedMedium {
+public:
+    explicit DeviceMedium(std::unique_ptr<PrinterDevice> device) : m_device(std::move(device)) {}
+
+    std::unique_ptr<Stream> writer() override {
+        auto stream = std::make_unique<OXPLStreamDriverInterface>(L"PRN0:", kFileOrDeviceStream);
+        EXPECT_TRUE(stream->isOpen());
+        m_other = m_device->takeOtherSide();
+        return stream;
+    }
+
 private:
     std::unique_ptr<PrinterDevice> m_device;
-    os::Descriptor m_other;
+};
+
+class TcpMedium final : public TwoSidedMedium {
+public:
+    TcpMedium() { m_port.listen(); }
+
+    std::unique_ptr<Stream> reader(const std::string& bytes) override {
+        auto stream = TwoSidedMedium::reader(bytes);
+        EXPECT_EQ(::shutdown(m_other.value(), SHUT_WR), 0); // or a read would wait for all it asked for
+        return stream;
+    }
+    std::unique_ptr<Stream> writer() override {
+        auto stream = SocketFactory().createClientSocket(IPv4Address("127.0.0.1"), m_port.number());
+        EXPECT_TRUE(stream);
+        m_other = m_port.accept();
+        return stream;
+    }
+
+private:
+    LoopbackPort m_port;
 };
 
 } // namespace
@@ -80,4 +109,8 @@ std::unique_ptr<StreamMedium> makeSocketMedium(const std::filesystem::path& root
 
 std::unique_ptr<StreamMedium> makeTerminalMedium(const std::filesystem::path& root) {
     return std::make_unique<DeviceMedium>(makeTerminalDevice(root));
+}
+
+std::unique_ptr<StreamMedium> makeTcpMedium(const std::filesystem::path& /*root*/) {
+    return std::make_unique<TcpMedium>();
 }
