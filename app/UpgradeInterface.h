@@ -7,8 +7,11 @@
 #include <memory>
 #include <string>
 
+class PICLServerAgent;
+class PropertyManager;
+
 /// The two facts about the printer that the link adds to what the upgrader says. Safe to call from any
-/// thread. Until a feature list and a property server are asked, a printer has no battery and is on AC power.
+/// thread. By themselves they describe a printer without a battery, on AC power.
 struct PowerFacts {
     std::function<bool()> hasBattery = [] { return false; };
     std::function<bool()> isACConnected = [] { return true; };
@@ -69,3 +72,10 @@ private:
 /// Returns the link over the named objects of the operating system, built in any case: where an object cannot
 /// be opened, it stays silent. Thread: the first.
 std::shared_ptr<UpgradeInterface> createUpgradeInterface();
+
+/// Returns the same, for the printer whose features the feature list tells, and whose AC power the firmware's
+/// property "Battery AC Connected" tells through @p agent, which may be empty. A printer that nobody tells of
+/// is on AC power; a substitute for the property then stands in @p manager. Thread: the first. Blocks at most
+/// ApplicationIdentity::externalPropertyTimeout() for the property.
+std::shared_ptr<UpgradeInterface> createUpgradeInterface(const std::shared_ptr<PICLServerAgent>& agent,
+                                                         const std::shared_ptr<PropertyManager>& manager);

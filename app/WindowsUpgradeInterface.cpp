@@ -212,6 +212,12 @@ void WindowsUpgradeInterface::handleFileFound() {
     reportRepairAvailable(true);
 }
 
+void WindowsUpgradeInterface::handleACPower(bool connected) {
+    const KeltoGuard step(m_stepLock);
+    if (connected && m_currentDisplay == DisplayConnectACPower)
+        handleMessage(static_cast<std::uint8_t>(UpgradeMessage::MsgFileFound));
+}
+
 void WindowsUpgradeInterface::sendUserAction(UserAction action) {
     const KeltoGuard step(m_stepLock);
     switch (action) {

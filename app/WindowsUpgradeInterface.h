@@ -30,6 +30,10 @@ public:
     void start() override;
     void sendUserAction(UserAction action) override;
 
+    /// Takes that AC power was connected or lost: who was asked to connect it is led on. Thread: any;
+    /// handlers run on it. Blocks while another step is handled.
+    void handleACPower(bool connected);
+
     void setDisplayHandler(DisplayHandler handler) override;
     void setProgressHandler(ProgressHandler handler) override;
     void setPrinterInfoHandler(InfoHandler handler) override;

@@ -2,8 +2,8 @@
 
 #include "picl/PropertyReports.h"
 #include "platform/ThreadFactory.h"
+#include "property/MakeProperty.h"
 #include "property/PropertyManager.h"
-#include "property/PropertyVocabulary.h"
 #include "property/UInt32Property.h"
 
 #include <utility>
@@ -18,8 +18,7 @@ std::shared_ptr<UInt32Property> publishingPeriodIn(PropertyManager& manager) {
     const VocabularyEntry& group = vocabulary::groups::kGeneral;
     auto period = std::dynamic_pointer_cast<UInt32Property>(manager.findProperty(property.guid, group.guid));
     if (!period) {
-        period = std::make_shared<UInt32Property>(kDefaultPeriodMs, property.guid, property.name, group.guid,
-                                                  group.name);
+        period = makeProperty<UInt32Property>(group, property, kDefaultPeriodMs);
         manager.addPersistentProperty(period);
     }
     return period;

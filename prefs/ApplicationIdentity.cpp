@@ -40,6 +40,13 @@ std::wstring ApplicationIdentity::preferencesOverridePath() const {
     return bootFolder() + L"/AppPreferencesOverride.ini";
 }
 
+std::wstring ApplicationIdentity::systemFeaturesPath() const {
+    static constexpr std::wstring_view kFile = L"/systemfeatures.json";
+    if (pathExists(bootFolder()))
+        return bootFolder().append(kFile);
+    return absolutePath(L"./OXPLApps").append(L"/SystemFeatures").append(kFile);
+}
+
 std::vector<std::string> ApplicationIdentity::applicationFolders() const {
     return {"./OXPLApps/", "../QtDev/OXPLApps/", "/Hard Disk/KeltoPrinterApps/",
             "/HardDisk/KeltoPrinterApps/"};

@@ -46,6 +46,9 @@ public:
     [[nodiscard]] std::wstring preferencesPath() const;
     [[nodiscard]] std::wstring preferencesOverridePath() const;
 
+    /// Returns where the list of the printer's features lies, whether or not it does.
+    [[nodiscard]] std::wstring systemFeaturesPath() const;
+
     /// Returns where applications lie, each folder with a separator at its end.
     [[nodiscard]] std::vector<std::string> applicationFolders() const;
 

@@ -50,13 +50,9 @@ void DisplayPreferences::setScreenResolution(std::uint32_t width, std::uint32_t 
 std::shared_ptr<DisplayPreferences>
 createDisplayPreferences(const std::shared_ptr<PublishingPropertyManager>& manager,
                          const std::shared_ptr<PICLServerAgent>& agent) {
-    const auto text = [](std::string_view view) { return std::string(view); };
-    const VocabularyEntry& property = properties::kDotsPerInch;
-    const VocabularyEntry& group = vocabulary::groups::kGeneral;
     auto preferences = std::make_shared<DisplayPreferences>(manager);
-    preferences->setDotsPerInch(std::make_shared<DisplayPreferences::DotsPerInch>(
-        kDefaultDotsPerInch, agent, manager, text(vocabulary::components::kFirmwareDriver.guid),
-        text(property.guid), text(property.name), text(group.guid), text(group.name),
-        ApplicationIdentity::instance().externalPropertyTimeout()));
+    preferences->setDotsPerInch(makeExternalProperty<UInt32Property>(
+        kDefaultDotsPerInch, agent, manager, vocabulary::components::kFirmwareDriver,
+        vocabulary::groups::kGeneral, properties::kDotsPerInch));
     return preferences;
 }

@@ -4,6 +4,7 @@
 #include "prefs/ApplicationIdentity.h"
 #include "property/Property.h"
 #include "property/PropertyManager.h"
+#include "property/PropertyVocabulary.h"
 
 #include <cstdint>
 #include <memory>
@@ -98,3 +99,16 @@ private:
     const std::shared_ptr<PICLServerAgent> m_agent;
     const V m_default;
 };
+
+/// Returns a value of another program by the texts of the vocabulary. Blocks at most
+/// ApplicationIdentity::externalPropertyTimeout() for the owner.
+template <typename T, typename V>
+std::shared_ptr<ExternalAppProperty<T, V>>
+makeExternalProperty(V defaultValue, const std::shared_ptr<PICLServerAgent>& agent,
+                     const std::shared_ptr<PropertyManager>& manager, const VocabularyEntry& component,
+                     const VocabularyEntry& group, const VocabularyEntry& property) {
+    return std::make_shared<ExternalAppProperty<T, V>>(
+        defaultValue, agent, manager, std::string(component.guid), std::string(property.guid),
+        std::string(property.name), std::string(group.guid), std::string(group.name),
+        ApplicationIdentity::instance().externalPropertyTimeout());
+}
