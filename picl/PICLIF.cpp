@@ -1,0 +1,113 @@
+#include "picl/PICLIF.h"
+
+#include "picl/DebugZones.h"
+#include "picl/PICLServerAgent.h"
+#include "platform/OXPLStreamDriverInterface.h"
+#include "platform/ThreadFactory.h"
+#include "prefs/ApplicationIdentity.h"
+#include "prefs/DisplayPreferences.h"
+#include "property/MakeProperty.h"
+#include "property/PublishingPropertyManager.h"
+
+#include <atomic>
+#include <utility>
+
+namespace {
+
+std::shared_ptr<StringProperty> makeFirmwareProperty(const VocabularyEntry& property, const char* value) {
+    return makeProperty<StringProperty>(vocabulary::groups::kProductInfo, property, value);
+}
+
+} // namespace
+
+/// What a reader thread shares with the owner of the connection.
+struct PICLIF::Reading {
+    const std::shared_ptr<PICLServerAgent> agent;
+    const std::shared_ptr<Stream> stream;
+    std::atomic<bool> running = true; // while the connection lasts
+};
+
+PICLIF::PICLIF(std::shared_ptr<ThreadFactory> threads, std::shared_ptr<PublishingPropertyManager> manager)
+    : m_threads(std::move(threads)),
+      m_propertyManager(std::move(manager)),
+      m_socketFactory(std::make_unique<SocketFactory>()),
+      m_firmwareVersion(makeFirmwareProperty(vocabulary::properties::kFirmwareVersion, "1.1.153310")),
+      m_firmwareBuildNumber(makeFirmwareProperty(vocabulary::properties::kFirmwareBuildNumber, "153310")),
+      m_applicationName(ApplicationIdentity::instance().applicationName()) {}
+
+PICLIF::~PICLIF() { disconnect(); }
+
+void PICLIF::completeSetup() {
+    m_displayPreferences = createDisplayPreferences(m_propertyManager, m_agent);
+    m_propertyManager->addProperty(m_firmwareVersion);
+    m_propertyManager->addProperty(m_firmwareBuildNumber);
+}
+
+bool PICLIF::connectToSocket(const IPv4Address& address, std::uint16_t port) {
+    disconnect();
+    m_socket = m_socketFactory->createClientSocket(address, port);
+    if (!m_socket)
+        return false;
+    m_stream = m_socket;
+    startConnection();
+    return true;
+}
+
+bool PICLIF::connectToDevice(const std::wstring& name) {
+    disconnect();
+    m_streamDriver = std::make_shared<OXPLStreamDriverInterface>(name, kFileOrDeviceStream);
+    if (!m_streamDriver->isOpen())
+        return false;
+    m_stream = m_streamDriver;
+    startConnection();
+    return true;
+}
+
+std::shared_ptr<Property> PICLIF::makeComponentProperty() const {
+    const ApplicationIdentity& identity = ApplicationIdentity::instance();
+    const VocabularyEntry& group = vocabulary::groups::kComponents;
+    return std::make_shared<StringProperty>(m_applicationName, identity.componentGuid(),
+                                            identity.componentName(), group.guid, group.name);
+}
+
+// The agent knows the properties before the first frame is sent, and publishes before anything is read.
+void PICLIF::startConnection() {
+    m_agent = std::make_shared<PICLServerAgent>(m_propertyManager, m_threads, kThreadPriority,
+                                                makeComponentProperty());
+    m_propertyManager->setPublisher(m_agent);
+    m_agent->setPublishStream(m_stream);
+    m_agent->startPublishing();
+    startReading();
+    createDebugZones(*m_propertyManager);
+}
+
+void PICLIF::startReading() {
+    m_reading = std::make_shared<Reading>(m_agent, m_stream);
+    m_readerThread = m_threads->createThread(read, kThreadPriority, 0);
+    m_readerThread->start(new std::shared_ptr<Reading>(m_reading));
+}
+
+std::uint32_t PICLIF::read(void* reading) {
+    const std::unique_ptr<std::shared_ptr<Reading>> owned(static_cast<std::shared_ptr<Reading>*>(reading));
+    const Reading& mine = **owned;
+    while (mine.running && mine.agent->processNextMessage(mine.stream)) {
+    }
+    return 0;
+}
+
+// The goodbye needs the stream, so that goes last; its end is what wakes a reader, and a publisher that is
+// still inside a write.
+void PICLIF::disconnect() {
+    if (m_reading)
+        m_reading->running = false;
+    if (m_agent)
+        m_agent->sayGoodbye();
+    m_agent.reset();
+    m_socket.reset();
+    m_streamDriver.reset();
+    if (m_stream)
+        m_stream->close();
+    m_stream.reset();
+    m_readerThread.reset();
+    m_reading.reset();
+}

@@ -1,0 +1,3 @@
+#include "platform/os/Screen.h"
+
+bool os::screenIsToBeMeasured() { return false; }
