@@ -1,16 +1,27 @@
 #include "app/KQApp.h"
 
+#include "picl/PICLIF.h"
+#include "platform/ThreadFactory.h"
 #include "platform/os/DeviceRoot.h"
 #include "prefs/ApplicationIdentity.h"
+#include "prefs/FileHelpers.h"
+#include "prefs/KQDisplayPreferences.h"
+#include "prefs/KQLocalPreferences.h"
+#include "property/PublishingPropertyManager.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
 #include <QUrl>
+#include <utility>
 
 namespace {
+
+constexpr std::uint16_t kPropertyServerPort = 9102;
 
 QString hostPath(const std::string& printerPath) { return QString::fromStdString(os::hostPath(printerPath)); }
 
@@ -44,9 +55,47 @@ void KQApp::registerFirstFont(const QString& file) {
         QGuiApplication::setFont(QFont(families.first()));
 }
 
-KQApp::KQApp() = default;
+KQApp::KQApp()
+    : m_threads(std::make_shared<ThreadFactory>(kThreadPriority)),
+      m_propertyManager(std::make_shared<PublishingPropertyManager>(
+          m_threads, kThreadPriority, kThreadPriority, ApplicationIdentity::instance().preferencesPath(),
+          ApplicationIdentity::instance().preferencesOverridePath())) {
+    loadFonts(absolutePath(ApplicationIdentity::instance().localFontsFolder()));
+    loadFonts(ApplicationIdentity::instance().bootFontsFolder());
+}
 
 KQApp::~KQApp() = default;
+
+void KQApp::loadFonts(const std::wstring& folder) {
+    static const QStringList kFonts{QStringLiteral("*.ttf"), QStringLiteral("*.ttc"),
+                                    QStringLiteral("*.otf")};
+    const QString host = hostPath(folder);
+    for (const std::wstring& name : listFolder(folder)) {
+        const QFileInfo file(host + QString::fromStdWString(name));
+        if (QDir::match(kFonts, file.fileName()) && !file.isDir())
+            QFontDatabase::addApplicationFont(file.filePath());
+    }
+}
+
+void KQApp::connectToPrinter(const std::shared_ptr<PICLIF>& client) {
+    m_localPreferences = std::make_shared<KQLocalPreferences>(m_propertyManager);
+    m_propertyManager->startWorker();
+    if (!connect(*client))
+        client->disconnect();
+    client->completeSetup();
+}
+
+bool KQApp::connect(PICLIF& client) const {
+    const ApplicationIdentity& identity = ApplicationIdentity::instance();
+    if (identity.runsOnPrinter())
+        return client.connectToDevice(identity.streamDevicePath());
+    const IPv4Address address(m_localPreferences->printerIPAddress().toStdString());
+    return address.isValid() && client.connectToSocket(address, kPropertyServerPort);
+}
+
+void KQApp::setDisplayPreferences(std::shared_ptr<KQDisplayPreferences> preferences) {
+    m_displayPreferences = std::move(preferences);
+}
 
 int KQApp::run(QGuiApplication& application, const QUrl& rootFile) {
     const ApplicationIdentity& identity = ApplicationIdentity::instance();
