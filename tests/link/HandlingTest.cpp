@@ -127,6 +127,19 @@ TEST(Handling, OnlyABatteryPrinterWithoutAcPowerAsksForIt) {
     }
 }
 
+TEST(Handling, AcPowerLeadsOnWhoWasAskedForItAndNobodyElse) {
+    for (unsigned code = 0; code <= 35; ++code) {
+        ScriptedLink scripted({.hasBattery = [] { return true; }, .isACConnected = [] { return false; }});
+        scripted.take({static_cast<std::uint8_t>(code)});
+        scripted.link->handleACPower(false);
+        EXPECT_EQ(scripted.platform->takeNotes(), "") << code;
+        scripted.link->handleACPower(true);
+        EXPECT_EQ(scripted.platform->takeNotes(), code == 4 ? "display 0" : "") << code;
+        scripted.link->handleACPower(true);
+        EXPECT_EQ(scripted.platform->takeNotes(), "") << code;
+    }
+}
+
 struct ActionRow {
     const char* name;
     std::vector<std::uint8_t> before;

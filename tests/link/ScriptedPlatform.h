@@ -3,6 +3,7 @@
 #include "app/UpgradeInterface.h"
 #include "app/UpgradePlatform.h"
 #include "app/UpgradeSharedRecord.h"
+#include "app/WindowsUpgradeInterface.h"
 
 #include <condition_variable>
 #include <deque>
@@ -65,5 +66,5 @@ struct ScriptedLink {
     std::string act(UserAction action);
 
     std::shared_ptr<ScriptedPlatform> platform = std::make_shared<ScriptedPlatform>();
-    std::shared_ptr<UpgradeInterface> link;
+    std::shared_ptr<WindowsUpgradeInterface> link;
 };
