@@ -1,5 +1,9 @@
+#include "app/KQApp.h"
+
+#include "tests/screens/Languages.h"
 #include "tests/screens/ScreensFixture.h"
 
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QTranslator>
 
@@ -137,7 +141,20 @@ protected:
     }
 };
 
-TEST_F(Layout, NothingIsCutOffInEnglish) { checkAllScreens(); }
+class LanguageLayout : public Layout, public ::testing::WithParamInterface<const char*> {
+protected:
+    void SetUp() override {
+        KQApp::registerFirstFont(QStringLiteral(":/fonts/arial.ttf"));
+        EXPECT_NE(QFontDatabase::addApplicationFont(stagedWideFont()), -1);
+        EXPECT_NE(languages.currentIndex(), KQTranslator::kNoLanguage);
+        Layout::SetUp();
+    }
+    const KQTranslator languages{asUpgradeUI(), GetParam(), nullptr};
+};
+
+TEST_P(LanguageLayout, NothingIsCutOff) { checkAllScreens(); }
+
+INSTANTIATE_TEST_SUITE_P(In, LanguageLayout, ::testing::ValuesIn(kLanguages), languageOf);
 
 TEST_F(Layout, ButtonsAreLargeEnoughForAFinger) {
     for (const DisplaySize& size : kSizes) {
