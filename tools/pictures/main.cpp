@@ -1,8 +1,11 @@
 #include "app/KQApp.h"
 #include "app/KQUpgradeInterface.h"
 #include "app/UpgradeInterface.h"
+#include "platform/os/DeviceRoot.h"
+#include "prefs/KQTranslator.h"
 
 #include <QDir>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QQmlApplicationEngine>
@@ -13,6 +16,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <span>
 
 namespace {
 
@@ -36,6 +40,9 @@ constexpr Picture kPictures[] = {
     {"system-integrity-failed", DisplaySysIntegrityFailed},
     {"next-boot-safe", DisplayNextBootSafe},
 };
+
+// What is taken in the other languages, on the display with the least room.
+constexpr Picture kTranslatedPictures[] = {{"file-found", DisplayFileFound}, {"completed", DisplayCompleted}};
 
 constexpr QSize kDisplays[] = {{480, 272}, {800, 480}, {1024, 600}};
 
@@ -69,10 +76,11 @@ bool takePicture(QQuickWindow& window, const QString& file) {
     return !grabbed.isNull() && grabbed.save(file, "PNG");
 }
 
-int takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& folder) {
-    for (const QSize& display : kDisplays) {
+bool takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& folder,
+                  std::span<const Picture> pictures, std::span<const QSize> displays) {
+    for (const QSize& display : displays) {
         window.resize(display);
-        for (const Picture& picture : kPictures) {
+        for (const Picture& picture : pictures) {
             // From the start each time: a stage that is under way fills the bar, seen or unseen.
             model.takeProgress(UpgradeProgressMsg::ProgressInitiated);
             model.takeProgress(kStage);
@@ -84,12 +92,26 @@ int takePictures(QQuickWindow& window, KQUpgradeInterface& model, const QDir& fo
                                                      .arg(display.height()));
             if (!takePicture(window, file)) {
                 std::fprintf(stderr, "screen-pictures: cannot write %s\n", qPrintable(file));
-                return EXIT_FAILURE;
+                return false;
             }
             std::puts(qPrintable(file));
         }
     }
-    return EXIT_SUCCESS;
+    return true;
+}
+
+// A folder for each language but the first, in which the texts are written.
+bool takeTranslatedPictures(QQmlEngine& engine, QQuickWindow& window, KQUpgradeInterface& model,
+                            const QDir& folder) {
+    KQTranslator languages(qGuiApp, "english", nullptr);
+    for (int index = 1; index < languages.supportedLanguages().size(); ++index) {
+        const QString name = QString::fromStdString(languages.setLanguage(static_cast<std::uint8_t>(index)));
+        engine.retranslate();
+        if (!folder.mkpath(name) || !takePictures(window, model, QDir(folder.filePath(name)),
+                                                  kTranslatedPictures, std::span(kDisplays).first(1)))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -99,12 +121,15 @@ int main(int argc, char* argv[]) {
     KQApp::initialise("UpgradeUI", "", "");
     QGuiApplication application(argc, argv);
     if (argc != 2 || !QDir(QString::fromLocal8Bit(argv[1])).exists()) {
-        std::fputs(
-            "Usage: screen-pictures FOLDER\nLeaves a picture of every screen at every display size there.\n",
-            stderr);
+        std::fputs("Usage: screen-pictures FOLDER\nLeaves a picture of every screen at every display size "
+                   "there, and some in a folder for each "
+                   "language.\n",
+                   stderr);
         return 2;
     }
     KQApp::registerFirstFont(QStringLiteral(":/fonts/arial.ttf"));
+    QFontDatabase::addApplicationFont(
+        QString::fromStdString(os::hostPath("/boot/fonts/DroidSansFallbackFull.ttf")));
 
     qmlRegisterType<KQUpgradeInterface>("KQUpgradeInterface", 1, 0, "KQUpgradeInterface");
     KQUpgradeInterface model(std::make_shared<NoLink>());
@@ -119,5 +144,9 @@ int main(int argc, char* argv[]) {
     auto* window = qobject_cast<QQuickWindow*>(engine.rootObjects().value(0));
     if (window == nullptr)
         return EXIT_FAILURE;
-    return takePictures(*window, model, QDir(QString::fromLocal8Bit(argv[1])));
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    return takePictures(*window, model, folder, kPictures, kDisplays) &&
+                   takeTranslatedPictures(engine, *window, model, folder)
+               ? EXIT_SUCCESS
+               : EXIT_FAILURE;
 }
