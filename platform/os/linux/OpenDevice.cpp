@@ -1,12 +1,10 @@
 #include "platform/os/InterruptibleDescriptor.h"
 
+#include "platform/os/linux/LocalAddress.h"
 #include "platform/os/linux/SystemCall.h"
 
-#include <cstring>
 #include <fcntl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 
 namespace os {
 namespace {
@@ -23,14 +21,11 @@ Descriptor openCharacterDevice(const std::string& path) {
 
 // Non-blocking from the start: a listener with a full queue refuses instead of holding the caller.
 Descriptor connectTo(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path)
+    const auto address = localAddress(path);
+    if (!address)
         return {};
-    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
     Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
-    const auto* generic = reinterpret_cast<const sockaddr*>(&address);
-    if (retried([&] { return ::connect(socket.value(), generic, sizeof address); }) != 0)
+    if (retried([&] { return ::connect(socket.value(), generic(*address), sizeof *address); }) != 0)
         return {};
     return socket;
 }

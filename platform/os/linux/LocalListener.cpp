@@ -1,0 +1,59 @@
+#include "platform/os/LocalListener.h"
+
+#include "platform/os/linux/LocalAddress.h"
+#include "platform/os/linux/SystemCall.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace os {
+namespace {
+
+constexpr int kLongestQueue = 4;
+
+bool isSocketFile(const std::string& path) {
+    struct stat status {};
+    return ::lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
+// Asked with a socket of another type, which a listener refuses differently and never gets to see.
+bool isDeserted(const sockaddr_un& address) {
+    const Descriptor probe(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    return ::connect(probe.value(), generic(address), sizeof address) != 0 && errno == ECONNREFUSED;
+}
+
+bool binds(const Descriptor& socket, const sockaddr_un& address) {
+    return ::bind(socket.value(), generic(address), sizeof address) == 0;
+}
+
+Descriptor listenAt(const std::string& path) {
+    const auto address = localAddress(path);
+    Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!address || !socket.isOpen())
+        return {};
+    if (!binds(socket, *address)) {
+        if (errno != EADDRINUSE || !isSocketFile(path) || !isDeserted(*address))
+            return {};
+        if (::unlink(path.c_str()) != 0 || !binds(socket, *address))
+            return {};
+    }
+    return ::listen(socket.value(), kLongestQueue) == 0 ? std::move(socket) : Descriptor();
+}
+
+} // namespace
+
+LocalListener::LocalListener(const std::string& path) : m_path(path), m_socket(listenAt(path)) {}
+
+LocalListener::~LocalListener() {
+    if (isOpen())
+        ::unlink(m_path.c_str());
+}
+
+Descriptor LocalListener::accept() {
+    return Descriptor(retried([&] { return ::accept4(m_socket.value(), nullptr, nullptr, SOCK_CLOEXEC); }));
+}
+
+// Linux ends an accept() of a listening socket that is shut down, the one that is blocked too.
+void LocalListener::close() { static_cast<void>(::shutdown(m_socket.value(), SHUT_RDWR)); }
+
+} // namespace os
