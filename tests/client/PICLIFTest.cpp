@@ -7,9 +7,9 @@
 #include "property/MakeProperty.h"
 #include "property/PublishingPropertyManager.h"
 #include "tests/picl/ScriptedPeer.h"
-#include "tests/support/HandleStream.h"
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/PrinterDevice.h"
+#include "tools/firmware/HandleStream.h"
 #include "json/JSONImporterExporter.h"
 
 #include <atomic>

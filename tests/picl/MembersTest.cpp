@@ -4,8 +4,8 @@
 #include "tests/picl/Member.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/DeviceRootTest.h"
-#include "tests/support/HandleStream.h"
 #include "tests/support/PrinterDevice.h"
+#include "tools/firmware/HandleStream.h"
 
 #include <condition_variable>
 #include <cstring>

@@ -6,7 +6,8 @@
 #include <cstddef>
 #include <utility>
 
-/// A stream over a descriptor that a test holds, such as the other side of a device.
+/// A stream over a descriptor that is open already, such as the other side of a device. It may be closed
+/// while another thread is inside read() or write(), which then fails.
 class HandleStream final : public Stream {
 public:
     explicit HandleStream(os::Descriptor handle,
