@@ -1,10 +1,14 @@
 #include "app/UpgradeInterface.h"
 #include "app/UpgradeMessage.h"
+#include "platform/OXPLStreamDriverInterface.h"
 
+#include "tests/picl/Member.h"
 #include "tests/support/DeviceRootTest.h"
+#include "tools/firmware/FirmwareDriver.h"
 #include "tools/upgrader/ConsoleReport.h"
 #include "tools/upgrader/ScenarioPlayer.h"
 
+#include <fstream>
 #include <map>
 #include <sstream>
 
@@ -19,12 +23,13 @@ protected:
     ~ScenarioTest() override { endApplication(); } // the handlers refer to what goes next
 
     ScenarioPlayer::Ending play(std::string_view name, std::chrono::milliseconds patience = kDeadline) {
-        start();
+        const Scenario& scenario = *findScenario(name);
+        start(scenario);
         ConsoleReport report(output, false);
         ScenarioOptions options;
         options.speed = 1000;
         options.patience = patience;
-        return ScenarioPlayer(*m_link, options, report).play(*findScenario(name));
+        return ScenarioPlayer(*m_link, options, report, m_firmware.get()).play(scenario);
     }
 
     std::map<UpgradeDisplay, UserAction> presses{
@@ -39,26 +44,44 @@ protected:
         {DisplayExitUi, ActionUiExiting},
     };
     std::ostringstream output;
+    std::vector<UpgradeDisplay> shown;
 
 private:
     void endApplication() {
         if (m_application)
             m_application->stop();
         m_application.reset();
+        m_member.reset();
+        m_firmware.reset();
+    }
+
+    // A printer with a battery, whose firmware the application asks for the AC power.
+    std::shared_ptr<UpgradeInterface> createOnBattery() {
+        std::filesystem::create_directory(root() / "boot");
+        std::ofstream(root() / "boot/systemfeatures.json") << R"({"features": ["Battery"]})";
+        std::string why;
+        m_firmware = FirmwareDriver::create(false, why);
+        m_member = std::make_unique<Member>(
+            "application", std::make_shared<OXPLStreamDriverInterface>(L"PRN0:", kFileOrDeviceStream));
+        m_member->join();
+        return createUpgradeInterface(m_member->agent, m_member->manager);
     }
 
     // Both anew: an application that joins a record in use would take its old codes.
-    void start() {
+    void start(const Scenario& scenario) {
         endApplication();
         m_link.reset();
         std::string why;
         m_link = UpgraderLink::create(why);
         ASSERT_NE(m_link, nullptr) << why;
         m_display = DisplayIdle;
-        m_application = createUpgradeInterface();
+        shown.clear();
+        m_application = scenario.startsOnBattery ? createOnBattery() : createUpgradeInterface();
         m_application->setDisplayHandler([this](UpgradeDisplay display) {
             const auto press = presses.find(display);
             const bool isNew = std::exchange(m_display, display) != display;
+            if (isNew)
+                shown.push_back(display);
             if (isNew && press != presses.end())
                 m_application->sendUserAction(press->second);
         });
@@ -70,6 +93,8 @@ private:
     }
 
     std::unique_ptr<UpgraderLink> m_link;
+    std::unique_ptr<FirmwareDriver> m_firmware;
+    std::unique_ptr<Member> m_member;
     UpgradeDisplay m_display = DisplayIdle;
     std::shared_ptr<UpgradeInterface> m_application;
 };
@@ -81,6 +106,17 @@ TEST_F(ScenarioTest, EveryStoryComesToItsEnd) {
                                                                        << output.str();
         output.str({});
     }
+}
+
+TEST_F(ScenarioTest, OnBatteryACPowerIsAskedForBeforeTheUpgradeIsOffered) {
+    ASSERT_EQ(play("battery"), ScenarioPlayer::Ending::AsTold) << output.str();
+    ASSERT_GE(shown.size(), 2U);
+    EXPECT_EQ(shown[0], DisplayConnectACPower);
+    EXPECT_EQ(shown[1], DisplayFileFound);
+    EXPECT_NE(output.str().find("AC power is connected.\n"), std::string::npos) << output.str();
+
+    presses[DisplayConnectACPower] = ActionCancel;
+    EXPECT_EQ(play("battery"), ScenarioPlayer::Ending::Otherwise) << output.str();
 }
 
 TEST_F(ScenarioTest, ReportsEachCodeCommandAndAcknowledgement) {

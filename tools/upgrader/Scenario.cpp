@@ -38,6 +38,9 @@ constexpr ScenarioStep kPrinterGoesDown{RequestClose};
 constexpr std::array kSuccess{
     ScenarioStep{SendInfo},           kOffer,        kUserUpgrades,    kAllStages,
     ScenarioStep{Send, MsgCompleted}, kUserProceeds, kPrinterGoesDown, kApplicationEnds};
+constexpr std::array kBattery{ScenarioStep{SendInfo}, kOffer,           ScenarioStep{ConnectACPower},
+                              kUserUpgrades,          kAllStages,       ScenarioStep{Send, MsgCompleted},
+                              kUserProceeds,          kPrinterGoesDown, kApplicationEnds};
 constexpr std::array kSuccessNoReboot{
     ScenarioStep{SendInfo}, kOffer, kUserUpgrades, kAllStages, ScenarioStep{Send, MsgCompletedNoReboot},
     kApplicationEnds};
@@ -93,6 +96,8 @@ constexpr std::array kStartConfirm{ScenarioStep{SendInfo},
 
 constexpr std::array kScenarios{
     Scenario{"success", "file found, upgraded, reboot", kSuccess},
+    Scenario{"battery", "on battery: AC power is asked for and connected, then as \"success\"", kBattery,
+             true},
     Scenario{"success-no-reboot", "file found, upgraded, no reboot needed", kSuccessNoReboot},
     Scenario{"corrupted", "the package turns out to be corrupted", kCorrupted},
     Scenario{"not-found", "no upgrade file on the drive", kNotFound},

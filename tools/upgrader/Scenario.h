@@ -7,13 +7,14 @@
 /// One step of a story that the simulator plays.
 struct ScenarioStep {
     enum class Action {
-        SendInfo,      ///< The texts about printer and package, with their two codes.
-        Send,          ///< `code`.
-        Stages,        ///< The stages of an upgrade from `code` to `lastCode`, each for its time.
-        AwaitDecision, ///< The user's choice; the story goes on with `code`.
-        AwaitCommand,  ///< `code`.
-        RequestClose,  ///< And the acknowledgement.
-        ConfirmStart,  ///< And the acknowledgement.
+        SendInfo,       ///< The texts about printer and package, with their two codes.
+        Send,           ///< `code`.
+        Stages,         ///< The stages of an upgrade from `code` to `lastCode`, each for its time.
+        AwaitDecision,  ///< The user's choice; the story goes on with `code`.
+        AwaitCommand,   ///< `code`.
+        RequestClose,   ///< And the acknowledgement.
+        ConfirmStart,   ///< And the acknowledgement.
+        ConnectACPower, ///< Once the application has taken all and a moment has passed.
         Pause,
     };
     Action action = Action::Pause;
@@ -26,6 +27,7 @@ struct Scenario {
     std::string_view name;
     std::string_view summary;
     std::span<const ScenarioStep> steps;
+    bool startsOnBattery = false; ///< Needs the printer's firmware, with AC power off at the start.
 };
 
 /// A stage of the upgrade as the simulated upgrader goes through it.

@@ -1,5 +1,6 @@
 #include "tools/upgrader/ScenarioPlayer.h"
 
+#include "tools/firmware/FirmwareDriver.h"
 #include "tools/upgrader/ConsoleReport.h"
 
 #include "app/UpgradeMessage.h"
@@ -11,6 +12,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kBarInterval{100};
 constexpr double kPauseSeconds = 2;
+constexpr double kOnBatterySeconds = 5;
 
 bool isExit(const UpgraderReply& reply) {
     return reply.kind == UpgraderReply::Kind::Command && reply.command == CommandUiExiting;
@@ -18,8 +20,9 @@ bool isExit(const UpgraderReply& reply) {
 
 } // namespace
 
-ScenarioPlayer::ScenarioPlayer(UpgraderLink& link, ScenarioOptions options, ConsoleReport& report)
-    : m_link(link), m_options(std::move(options)), m_report(report) {}
+ScenarioPlayer::ScenarioPlayer(UpgraderLink& link, ScenarioOptions options, ConsoleReport& report,
+                               FirmwareDriver* firmware)
+    : m_link(link), m_options(std::move(options)), m_report(report), m_firmware(firmware) {}
 
 ScenarioPlayer::Ending ScenarioPlayer::play(const Scenario& scenario) {
     for (const ScenarioStep& step : scenario.steps) {
@@ -49,6 +52,8 @@ ScenarioPlayer::StepEnd ScenarioPlayer::perform(const ScenarioStep& step) {
         m_link.confirmStart();
         m_report.signalled(eventName(UpgradeEvent::StartConfirm));
         return awaitAcknowledgement();
+    case ScenarioStep::Action::ConnectACPower:
+        return connectACPower();
     case ScenarioStep::Action::Pause:
         return pause(scaled(kPauseSeconds));
     }
@@ -123,6 +128,19 @@ ScenarioPlayer::StepEnd ScenarioPlayer::pause(Clock::duration time) {
             m_report.note("The application has ended.");
             return Ending::Otherwise;
         }
+    }
+    return {};
+}
+
+ScenarioPlayer::StepEnd ScenarioPlayer::connectACPower() {
+    if (!m_link.awaitTaken(m_options.patience))
+        return Ending::NoAnswer;
+    m_report.note("The printer runs on battery: AC power is not connected.");
+    // Who cancels meanwhile has decided: that is for the step that waits for the decision.
+    m_early = awaitReply(std::chrono::ceil<std::chrono::milliseconds>(scaled(kOnBatterySeconds)));
+    if (!m_early) {
+        m_firmware->setACConnected(true);
+        m_report.note("AC power is connected.");
     }
     return {};
 }

@@ -8,6 +8,7 @@
 #include <optional>
 
 class ConsoleReport;
+class FirmwareDriver;
 
 /// How a story is played.
 struct ScenarioOptions {
@@ -28,9 +29,12 @@ public:
         NoAnswer,  ///< Nothing came within the patience.
     };
 
-    ScenarioPlayer(UpgraderLink& link, ScenarioOptions options, ConsoleReport& report);
+    /// The printer on which the upgrade happens has @p firmware; a story that does not start on battery needs
+    /// none.
+    ScenarioPlayer(UpgraderLink& link, ScenarioOptions options, ConsoleReport& report,
+                   FirmwareDriver* firmware = nullptr);
 
-    /// Plays @p scenario to its end. Blocks.
+    /// Plays @p scenario to its end. Requires: a firmware, for a scenario that starts on battery. Blocks.
     [[nodiscard]] Ending play(const Scenario& scenario);
 
     /// Writes the payload that belongs to @p code, if any, and sends the code. Blocks while the ring is full.
@@ -51,6 +55,7 @@ private:
     StepEnd awaitCommand(std::uint8_t expected);
     StepEnd awaitAcknowledgement();
     StepEnd pause(Clock::duration time);
+    StepEnd connectACPower();
     void writePayload(std::uint8_t code);
     std::optional<UpgraderReply> awaitReply(std::chrono::milliseconds patience);
     [[nodiscard]] Clock::duration scaled(double seconds) const;
@@ -58,5 +63,6 @@ private:
     UpgraderLink& m_link;
     ScenarioOptions m_options;
     ConsoleReport& m_report;
+    FirmwareDriver* m_firmware;           // may be null
     std::optional<UpgraderReply> m_early; // reported, but not yet looked at by a step
 };

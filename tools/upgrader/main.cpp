@@ -1,5 +1,6 @@
 #include "app/UpgradeMessage.h"
 #include "platform/os/DeviceRoot.h"
+#include "tools/firmware/FirmwareDriver.h"
 #include "tools/upgrader/ConsoleReport.h"
 #include "tools/upgrader/Scenario.h"
 #include "tools/upgrader/ScenarioPlayer.h"
@@ -135,13 +136,13 @@ int sendCodes(const Arguments& arguments, ScenarioPlayer& player) {
     return kDone;
 }
 
-int playScenario(const Arguments& arguments, ScenarioPlayer& player) {
-    switch (player.play(*findScenario(arguments.scenario))) {
+int playScenario(const Scenario& scenario, ScenarioPlayer& player) {
+    switch (player.play(scenario)) {
     case ScenarioPlayer::Ending::AsTold:
-        std::cout << "   The story \"" << arguments.scenario << "\" has been played to its end.\n";
+        std::cout << "   The story \"" << scenario.name << "\" has been played to its end.\n";
         return kDone;
     case ScenarioPlayer::Ending::Otherwise:
-        std::cerr << "upgrader-sim: the story \"" << arguments.scenario << "\" took another way\n";
+        std::cerr << "upgrader-sim: the story \"" << scenario.name << "\" took another way\n";
         return kOtherwise;
     case ScenarioPlayer::Ending::NoAnswer:
         std::cerr << "upgrader-sim: no answer from the application\n";
@@ -150,22 +151,30 @@ int playScenario(const Arguments& arguments, ScenarioPlayer& player) {
     return kOtherwise;
 }
 
+int refuse(const std::string& why) {
+    std::cerr << "upgrader-sim: " << why << '\n';
+    return kBadArguments;
+}
+
 int run(Arguments& arguments) {
     if (!arguments.deviceRoot.empty())
         os::setDeviceRoot(arguments.deviceRoot);
-    const double ownPatience = arguments.scenario.empty() ? kSendPatienceSeconds : kDaySeconds;
+    const Scenario* scenario = findScenario(arguments.scenario); // null: single codes are sent
+    const double ownPatience = scenario == nullptr ? kSendPatienceSeconds : kDaySeconds;
     arguments.options.patience =
         milliseconds(arguments.patienceSeconds > 0 ? arguments.patienceSeconds : ownPatience);
 
     std::string why;
+    const bool onBattery = scenario != nullptr && scenario->startsOnBattery;
+    const std::unique_ptr<FirmwareDriver> firmware = onBattery ? FirmwareDriver::create(false, why) : nullptr;
+    if (onBattery && !firmware)
+        return refuse(why);
     const std::unique_ptr<UpgraderLink> link = UpgraderLink::create(why);
-    if (!link) {
-        std::cerr << "upgrader-sim: " << why << '\n';
-        return kBadArguments;
-    }
+    if (!link)
+        return refuse(why);
     ConsoleReport report(std::cout, ::isatty(STDOUT_FILENO) == 1);
-    ScenarioPlayer player(*link, arguments.options, report);
-    return arguments.scenario.empty() ? sendCodes(arguments, player) : playScenario(arguments, player);
+    ScenarioPlayer player(*link, arguments.options, report, firmware.get());
+    return scenario == nullptr ? sendCodes(arguments, player) : playScenario(*scenario, player);
 }
 
 int parseAndRun(int argc, char* argv[]) {
@@ -183,8 +192,11 @@ int parseAndRun(int argc, char* argv[]) {
         ->check(numberBetween(0.01, 1000))
         ->capture_default_str();
     addCommonOptions(*play, arguments);
-    play->footer(scenarioList() +
-                 "Exit status: 0 as told, 1 another way was taken, 2 bad arguments, 3 no answer.");
+    play->footer(
+        scenarioList() +
+        "\"battery\" plays the printer's firmware as well, on dev/PRN0 of the device root. Start the\n"
+        "application after it; boot/systemfeatures.json there must say {\"features\": [\"Battery\"]}.\n"
+        "Exit status: 0 as told, 1 another way was taken, 2 bad arguments, 3 no answer.");
 
     CLI::App* send = app.add_subcommand("send", "Send single codes");
     send->add_flag("--force", arguments.force, "Allow numbers that are no code");
