@@ -3,6 +3,7 @@
 #include "bench/TemporaryRoot.h"
 
 #include "app/UpgradeMessage.h"
+#include "tools/firmware/FirmwareDriver.h"
 #include "tools/upgrader/UpgraderLink.h"
 
 #include <fcntl.h>
@@ -48,8 +49,8 @@ public:
     Application() {
         std::filesystem::copy_file(programFolder() / "UpgradeUI", m_root.path() / "UpgradeUI");
         std::filesystem::create_directory(m_root.path() / "printer");
-        std::filesystem::create_symlink(programFolder() / "printer/hard disk",
-                                        m_root.path() / "printer/hard disk");
+        for (const char* const folder : {"translations", "printer/hard disk", "printer/boot"})
+            std::filesystem::create_symlink(programFolder() / folder, m_root.path() / folder);
         os::setDeviceRoot((m_root.path() / "printer").string());
     }
 
@@ -76,10 +77,19 @@ void awaitExiting(UpgraderLink& upgrader) {
     throw std::runtime_error("the application does not answer");
 }
 
+std::unique_ptr<FirmwareDriver> makeServer() {
+    std::string why;
+    auto server = FirmwareDriver::create(true, why);
+    if (!server)
+        throw std::runtime_error(why);
+    return server;
+}
+
 // An exit that waits in the ring is answered as soon as the listener has taken it and the root file is
 // loaded.
-void upgradeUiStart(benchmark::State& state) {
+void upgradeUiStart(benchmark::State& state, bool hasServer) {
     const Application& application = Application::installed();
+    const auto server = hasServer ? makeServer() : nullptr;
     double memory = 0;
     for (auto _ : state) {
         const auto upgrader = Application::upgrader();
@@ -119,7 +129,12 @@ BENCHMARK(minimalQtQuick)
     ->Iterations(kStarts)
     ->Repetitions(kRepetitions)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(upgradeUiStart)
+BENCHMARK_CAPTURE(upgradeUiStart, alone, false)
+    ->UseManualTime()
+    ->Iterations(kStarts)
+    ->Repetitions(kRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(upgradeUiStart, withServer, true)
     ->UseManualTime()
     ->Iterations(kStarts)
     ->Repetitions(kRepetitions)
@@ -141,7 +156,8 @@ int main(int argc, char* argv[]) {
     // NOLINTEND(concurrency-mt-unsafe)
     using Kind = Comparison::Kind;
     return runAndCompare(argc, argv,
-                         {{"upgradeUiStart", "minimalQtQuick", 1.5},
-                          {"upgradeUiStart", "minimalQtQuick", 8, Kind::CounterDifference, "MB"},
+                         {{"upgradeUiStart/alone", "minimalQtQuick", 1.6},
+                          {"upgradeUiStart/withServer", "minimalQtQuick", 1.6},
+                          {"upgradeUiStart/withServer", "minimalQtQuick", 8, Kind::CounterDifference, "MB"},
                           {"upgradeUiShown", "minimalQtQuick", 8, Kind::CounterDifference, "MB"}});
 }

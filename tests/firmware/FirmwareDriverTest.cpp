@@ -49,6 +49,7 @@ TEST_F(FirmwareDriverTest, ItsValuesAndTheirChangesReachTheMirrorsOfWhoConnects)
         mirrorOf<UInt32Property>(*member, vocabulary::groups::kGeneral, vocabulary::properties::kDotsPerInch);
     ASSERT_TRUE(acConnected && dots);
     EXPECT_FALSE(acConnected->getValue());
+    EXPECT_EQ(create(), nullptr) << "a device has one firmware, whose connection a second one leaves alone";
     driver->setACConnected(true);
     driver->setDotsPerInch(600);
     EXPECT_TRUE(eventually([&] { return acConnected->getValue() && dots->getValue() == 600; }));
@@ -65,16 +66,6 @@ TEST_F(FirmwareDriverTest, ALaterConnectionTakesThePlaceOfAnEarlierOne) {
     ASSERT_TRUE(acConnected);
     driver->setACConnected(true);
     EXPECT_TRUE(eventually([&] { return acConnected->getValue(); }));
-}
-
-TEST_F(FirmwareDriverTest, ADeviceHasOneFirmwareAndGoesWithIt) {
-    {
-        const auto driver = create();
-        EXPECT_EQ(create(), nullptr);
-        EXPECT_TRUE(acConnectedOf(*connect())) << "the one that came too late leaves the device alone";
-    }
-    EXPECT_FALSE(std::filesystem::exists(root() / "dev/PRN0"));
-    EXPECT_NE(create(), nullptr);
 }
 
 } // namespace
