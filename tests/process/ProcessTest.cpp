@@ -13,11 +13,18 @@ namespace {
 const std::filesystem::path kBuiltPrograms = PROGRAM_FOLDER;
 
 // A program finds its device root by its own place, so each test has the programs in a folder of its own.
-void place(const std::filesystem::path& program, const std::filesystem::path& folder) {
+void placeProgram(const std::filesystem::path& program, const std::filesystem::path& folder) {
     std::error_code otherFileSystem;
     std::filesystem::create_hard_link(program, folder / program.filename(), otherFileSystem);
     if (otherFileSystem)
         std::filesystem::copy_file(program, folder / program.filename());
+}
+
+std::string bytesOf(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
 }
 
 std::string leakSuppressions(const std::filesystem::path& folder) {
@@ -30,8 +37,8 @@ std::string leakSuppressions(const std::filesystem::path& folder) {
 
 ProcessTest::ProcessTest() : m_programFolder(root()) {
     os::setDeviceRoot((m_programFolder / "printer").string());
-    place(kBuiltPrograms / "UpgradeUI", m_programFolder);
-    place(kBuiltPrograms / "upgrader-sim", m_programFolder);
+    placeProgram(kBuiltPrograms / "UpgradeUI", m_programFolder);
+    placeProgram(kBuiltPrograms / "upgrader-sim", m_programFolder);
     std::filesystem::create_directory(m_programFolder / "printer");
     std::filesystem::copy(kBuiltPrograms / "printer/hard disk", m_programFolder / "printer/hard disk",
                           std::filesystem::copy_options::recursive);
@@ -82,8 +89,20 @@ bool ProcessTest::sleeps(const ChildProcess& process) {
 }
 
 std::string ProcessTest::output(const std::string& program) const {
-    std::ifstream file(m_programFolder / (program + ".output"));
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return bytesOf(m_programFolder / (program + ".output"));
+}
+
+void ProcessTest::place(const std::string& path, const std::string& bytes) const {
+    const std::filesystem::path file = printer() / path;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+
+std::string ProcessTest::contents(const std::string& path) const { return bytesOf(printer() / path); }
+
+void ProcessTest::tellScreens() const {
+    const std::string control = "hard disk/qt/qml/KCControls/KCPopupBodyText.qml";
+    std::string text = contents(control);
+    text.insert(text.rfind('}'), "onVisibleChanged: if (visible) console.warn(parent.objectName)\n");
+    place(control, text);
 }

@@ -28,10 +28,29 @@ protected:
     static bool sleeps(const ChildProcess& process);
 
     [[nodiscard]] std::filesystem::path programFolder() const { return m_programFolder; }
+    [[nodiscard]] std::filesystem::path printer() const { return m_programFolder / "printer"; }
     [[nodiscard]] std::string output(const std::string& program) const;
+
+    /// Puts a file with @p bytes at @p path of the device root, and what folders it needs.
+    void place(const std::string& path, const std::string& bytes) const;
+
+    /// Returns the bytes of the file at @p path of the device root, none where there is no such file.
+    [[nodiscard]] std::string contents(const std::string& path) const;
+
+    /// Makes the screens of the application tell their names in its output when they come up.
+    void tellScreens() const;
+
+    /// Returns whether the screens that came up are those of earlier calls and then @p screens, by the
+    /// deadline, and the application has told nothing else. Requires: tellScreens().
+    template <typename... Names>
+    bool shows(Names... screens) {
+        ((m_shown += "qml: " + std::string(screens) + '\n'), ...);
+        return eventually([this] { return output("UpgradeUI") == m_shown; });
+    }
 
     std::unique_ptr<UpgraderLink> upgrader;
 
 private:
     std::filesystem::path m_programFolder;
+    std::string m_shown;
 };
