@@ -7,11 +7,16 @@
 #include "property/PublishingPropertyManager.h"
 #include "tests/support/DeviceRootTest.h"
 
+#include <QCoreApplication>
 #include <QHostAddress>
 #include <QMetaProperty>
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlEngine>
 #include <QSignalSpy>
 
 #include <fstream>
+#include <thread>
 
 namespace {
 
@@ -92,12 +97,29 @@ TEST_F(Preferences, ChangesFromElsewhereAreSignalledWhereTheyShouldBe) {
     display->printerStatusDisplay().setFromString("ready");
 }
 
+TEST_F(Preferences, AChangeOnAnotherThreadReachesABinding) {
+    QQmlEngine engine;
+    engine.rootContext()->setContextProperty("preferences", face.get());
+    QQmlComponent component(&engine);
+    component.setData(
+        "import QtQml 2.2; QtObject { property string shown: preferences.printerStatusDisplay }", {});
+    const std::unique_ptr<QObject> object(component.create());
+    ASSERT_TRUE(object) << component.errorString().toStdString();
+    EXPECT_EQ(object->property("shown"), "ready");
+    std::thread([&] { display->printerStatusDisplay().setFromString("alert"); }).join();
+    EXPECT_TRUE(eventually([&] {
+        QCoreApplication::processEvents();
+        return object->property("shown") == "alert";
+    }));
+}
+
 TEST_F(Preferences, WithoutAModelEverythingIsNothing) {
     const auto nothing = createKQDisplayPreferences(nullptr);
     for (const Row& row : kRows) {
         QSignalSpy spy(nothing.get(), &KQDisplayPreferences::invertScreenChanged);
         nothing->setProperty(row.name, row.other);
-        const QVariant expected = row.other.type() == QVariant::String ? QVariant(QStringLiteral(" ")) : QVariant(0U);
+        const QVariant expected =
+            row.other.type() == QVariant::String ? QVariant(QStringLiteral(" ")) : QVariant(0U);
         EXPECT_EQ(nothing->property(row.name), expected) << row.name;
         EXPECT_EQ(spy.count(), 0);
     }
