@@ -22,6 +22,9 @@ std::shared_ptr<StringProperty> makeFirmwareProperty(const VocabularyEntry& prop
 
 /// What a reader thread shares with the owner of the connection.
 struct PICLIF::Reading {
+    Reading(std::shared_ptr<PICLServerAgent> theAgent, std::shared_ptr<Stream> theStream)
+        : agent(std::move(theAgent)), stream(std::move(theStream)) {}
+
     const std::shared_ptr<PICLServerAgent> agent;
     const std::shared_ptr<Stream> stream;
     std::atomic<bool> running = true; // while the connection lasts
