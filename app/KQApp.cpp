@@ -2,6 +2,7 @@
 
 #include "picl/PICLIF.h"
 #include "platform/ThreadFactory.h"
+#include "platform/WideText.h"
 #include "platform/os/DeviceRoot.h"
 #include "prefs/ApplicationIdentity.h"
 #include "prefs/FileHelpers.h"
@@ -11,6 +12,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -23,11 +25,12 @@ namespace {
 
 constexpr std::uint16_t kPropertyServerPort = 9102;
 
-QString hostPath(const std::string& printerPath) { return QString::fromStdString(os::hostPath(printerPath)); }
-
-QString hostPath(const std::wstring& printerPath) {
-    return hostPath(QString::fromStdWString(printerPath).toStdString());
+// A path is bytes: it is converted once, as Qt converts the names of files.
+QString hostPath(const std::string& printerPath) {
+    return QFile::decodeName(QByteArray::fromStdString(os::hostPath(printerPath)));
 }
+
+QString hostPath(const std::wstring& printerPath) { return hostPath(toNarrow(printerPath)); }
 
 } // namespace
 
@@ -69,10 +72,9 @@ KQApp::~KQApp() = default;
 void KQApp::loadFonts(const std::wstring& folder) {
     static const QStringList kFonts{QStringLiteral("*.ttf"), QStringLiteral("*.ttc"),
                                     QStringLiteral("*.otf")};
-    const QString host = hostPath(folder);
     for (const std::wstring& name : listFolder(folder)) {
-        const QFileInfo file(host + QString::fromStdWString(name));
-        if (QDir::match(kFonts, file.fileName()) && !file.isDir())
+        const QFileInfo file(hostPath(folder + name));
+        if (QDir::match(kFonts, file.fileName()) && file.isFile())
             QFontDatabase::addApplicationFont(file.filePath());
     }
 }

@@ -19,6 +19,8 @@ KQUpgradeApp::KQUpgradeApp() : m_client(std::make_shared<PICLIF>(threads(), prop
 KQUpgradeApp::~KQUpgradeApp() {
     // The close request that led here may still wait for its acknowledgement.
     m_link->stop();
+    // AC power may be connecting this moment, on the thread that reads: nothing of ours is to end there.
+    m_client->disconnect();
     m_languageSupport.reset();
     m_model.reset();
     m_link.reset();

@@ -75,7 +75,8 @@ std::shared_ptr<UpgradeInterface> createUpgradeInterface();
 
 /// Returns the same, for the printer whose features the feature list tells, and whose AC power the firmware's
 /// property "Battery AC Connected" tells through @p agent, which may be empty. A printer that nobody tells of
-/// is on AC power; a substitute for the property then stands in @p manager. Thread: the first. Blocks at most
-/// ApplicationIdentity::externalPropertyTimeout() for the property.
+/// is on AC power; a substitute for the property then stands in @p manager. Who was asked to connect AC power
+/// before the firmware took its property back is not led on by it. Thread: the first. Blocks at most
+/// ApplicationIdentity::externalPropertyTimeout() for the property, and while frames are written.
 std::shared_ptr<UpgradeInterface> createUpgradeInterface(const std::shared_ptr<PICLServerAgent>& agent,
                                                          const std::shared_ptr<PropertyManager>& manager);

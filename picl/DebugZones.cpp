@@ -15,6 +15,9 @@ void createDebugZones(PropertyManager& manager) {
             flag = static_cast<const BoolProperty&>(*changed).getValue();
         });
         manager.addPersistentProperty(zone);
-        flag = zone->getValue(); // a stored value came without a call of the listener
+        // A stored value came without a call of the listener; a peer may set another one meanwhile.
+        do
+            flag = zone->getValue();
+        while (flag != zone->getValue());
     }
 }

@@ -11,7 +11,7 @@
 
 std::vector<std::string> readSystemFeatures() {
     const std::wstring path = ApplicationIdentity::instance().systemFeaturesPath();
-    if (!pathExists(path))
+    if (!fileIsReadable(toNarrow(path)))
         return {};
     const std::string file = os::hostPath(toNarrow(path));
     const KeltoGuard guard(jsonEngineLock);

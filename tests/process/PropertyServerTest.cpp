@@ -195,7 +195,7 @@ TEST_F(PropertyServerTest, APrinterOnItsBatteryWaitsForPowerAndOnlyThere) {
         connectsPower("False");
         connectsPower("True");
     }
-    send(MsgExitUi);
+    ASSERT_TRUE(upgrader->send(MsgExitUi, kDeadline)); // who has gone takes nothing more
     EXPECT_TRUE(repliesWith(CommandUiExiting));
     EXPECT_EQ(application->exitStatus(kDeadline), 0);
     EXPECT_TRUE(shows()) << "nothing else";
