@@ -120,9 +120,11 @@ TEST_P(Members, ShareTheirProperties) {
 
     one.manager->removeProperty(first, nullptr);
     EXPECT_TRUE(eventually([&] { return seenByTwo->getValue() == 0; })) << "the default";
+    second->setValue(23);
+    EXPECT_TRUE(eventually([&] { return seenByOne->getValue() == 23; }));
     one.leave();
     two.awaitEndOfReading();
-    EXPECT_EQ(seenByOne->getValue(), 22U) << "what was heard last";
+    EXPECT_EQ(seenByOne->getValue(), 23U) << "what was heard last";
 }
 
 INSTANTIATE_TEST_SUITE_P(, Members,
