@@ -20,13 +20,6 @@ void fillInLength(std::string& frame) {
         frame[frame::kMagic.size() + i] = static_cast<char>(length & 0xFF);
 }
 
-std::uint32_t readLength(std::span<const std::uint8_t, frame::kLengthSize> bytes) {
-    std::uint32_t length = 0;
-    for (std::size_t i = bytes.size(); i-- > 0;)
-        length = length << 8 | bytes[i];
-    return length;
-}
-
 bool readWhole(Stream& stream, void* buffer, std::size_t size) {
     return stream.read(buffer, static_cast<std::int32_t>(size)) == static_cast<std::int32_t>(size);
 }
@@ -43,6 +36,13 @@ bool readText(Stream& stream, std::span<char> text) {
 
 } // namespace
 
+std::uint32_t frame::textLength(std::string_view header) {
+    std::uint32_t length = 0;
+    for (std::size_t i = kLengthSize; i-- > 0;)
+        length = length << 8 | static_cast<unsigned char>(header[kMagic.size() + i]);
+    return length;
+}
+
 bool JSONImporterExporter::exportTo(Stream& stream) {
     std::string frame;
     appendHeader(frame);
@@ -56,12 +56,11 @@ bool JSONImporterExporter::exportTo(Stream& stream) {
 }
 
 bool JSONImporterExporter::importFrom(Stream& stream) {
-    std::array<std::uint8_t, frame::kMagic.size()> magic{};
-    std::array<std::uint8_t, frame::kLengthSize> lengthBytes{};
-    if (!readWhole(stream, magic.data(), magic.size()) ||
-        !readWhole(stream, lengthBytes.data(), lengthBytes.size()))
+    std::array<char, frame::kHeaderSize> header{};
+    if (!readWhole(stream, header.data(), frame::kMagic.size()) ||
+        !readWhole(stream, header.data() + frame::kMagic.size(), frame::kLengthSize))
         return false;
-    const std::uint32_t length = readLength(lengthBytes);
+    const std::uint32_t length = frame::textLength({header.data(), header.size()});
     if (length > frame::kLargestText)
         return false;
     std::string text(length, '\0');

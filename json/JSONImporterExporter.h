@@ -18,6 +18,9 @@ inline constexpr std::array<std::uint8_t, 16> kMagic{0xB3, 0xEC, 0x09, 0x9A, 0x2
 inline constexpr std::size_t kLengthSize = 4; // unsigned, the lowest byte first
 inline constexpr std::size_t kHeaderSize = kMagic.size() + kLengthSize;
 inline constexpr std::uint32_t kLargestText = 4194304; // a longer one is refused
+
+/// Returns the length of the text behind @p header. Requires: it is a whole one.
+[[nodiscard]] std::uint32_t textLength(std::string_view header);
 } // namespace frame
 
 /// One JSON object and its way to and from a stream, as one frame.

@@ -173,6 +173,14 @@ void JSONPICL::addSubscribeRequests(std::unique_ptr<PropertyGetRequests> request
     setItems(m_object, keys::kSubscribeRequests, *requests);
 }
 
+void JSONPICL::addGetRequest(PropertyGetRequest request) {
+    appendItem(m_object, keys::kGetRequests, std::move(request));
+}
+
+void JSONPICL::addGetAll() { m_object[keys::kGetAll] = true; }
+
+void JSONPICL::addSubscribeAll() { m_object[keys::kSubscribeAll] = true; }
+
 void JSONPICL::addSetRequest(PropertySetRequest request) {
     appendItem(m_object, keys::kSetRequests, std::move(request));
 }

@@ -35,6 +35,15 @@ public:
     /// Replaces the subscriptions by @p requests, in their order.
     virtual void addSubscribeRequests(std::unique_ptr<PropertyGetRequests> requests);
 
+    /// Appends one get to those that stand there.
+    void addGetRequest(PropertyGetRequest request);
+
+    /// Asks for all properties.
+    void addGetAll();
+
+    /// Asks for all properties, and for what becomes of them and of later ones.
+    void addSubscribeAll();
+
     /// Appends one set to those that stand there. Requires: its value is escaped.
     void addSetRequest(PropertySetRequest request);
 

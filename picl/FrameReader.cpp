@@ -1,0 +1,80 @@
+#include "picl/FrameReader.h"
+
+#include "platform/Stream.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kKeptRoom = 4096; // bytes that stay allocated for the next frame
+
+/// Reads a text that is there already.
+class TextStream final : public Stream {
+public:
+    explicit TextStream(std::string_view text) : m_text(text) {}
+
+    std::int32_t read(void* buffer, std::int32_t size) override {
+        const std::size_t count = std::min(m_text.size(), static_cast<std::size_t>(size));
+        std::memcpy(buffer, m_text.data(), count);
+        m_text.remove_prefix(count);
+        return static_cast<std::int32_t>(count);
+    }
+
+    std::int32_t write(const void* /*buffer*/, std::int32_t /*size*/) override { return StreamNotWritable; }
+
+    void close() override {}
+
+private:
+    std::string_view m_text;
+};
+
+/// Keeps what is written.
+class KeepingStream final : public Stream {
+public:
+    std::int32_t read(void* /*buffer*/, std::int32_t /*size*/) override { return StreamAtEnd; }
+
+    std::int32_t write(const void* buffer, std::int32_t size) override {
+        m_text.append(static_cast<const char*>(buffer), static_cast<std::size_t>(size));
+        return size;
+    }
+
+    void close() override {}
+
+    [[nodiscard]] std::string take() { return std::move(m_text); }
+
+private:
+    std::string m_text;
+};
+
+} // namespace
+
+void FrameReader::take(std::string_view bytes) {
+    m_bytes.erase(0, std::exchange(m_read, 0));
+    m_bytes.append(bytes);
+}
+
+FrameReader::Result FrameReader::next(JSONPICL& message) {
+    const std::string_view rest = std::string_view(m_bytes).substr(m_read);
+    if (rest.size() < frame::kHeaderSize)
+        return Result::Incomplete;
+    const std::uint32_t length = frame::textLength(rest.substr(0, frame::kHeaderSize));
+    if (length <= frame::kLargestText && rest.size() < frame::kHeaderSize + length)
+        return Result::Incomplete;
+    TextStream stream(rest.substr(0, frame::kHeaderSize + length));
+    if (!message.importFrom(stream))
+        return Result::Refused;
+    m_read += frame::kHeaderSize + length;
+    if (waiting() == 0 && m_bytes.capacity() > kKeptRoom) {
+        std::string().swap(m_bytes);
+        m_read = 0;
+    }
+    return Result::Message;
+}
+
+std::string frameOf(JSONPICL& message) {
+    KeepingStream stream;
+    static_cast<void>(message.exportTo(stream)); // it keeps all
+    return stream.take();
+}
