@@ -203,6 +203,10 @@ void JSONPICL::readGetResponses(PropertyGetResponses& responses) const {
 
 void JSONPICL::forEachGetRequest(const std::function<void(PropertyGetRequest)>& handle) const {
     forEachRecord(m_object, keys::kGetRequests, handle);
+    forEachSubscribeRequest(handle);
+}
+
+void JSONPICL::forEachSubscribeRequest(const std::function<void(PropertyGetRequest)>& handle) const {
     forEachRecord(m_object, keys::kSubscribeRequests, handle);
 }
 

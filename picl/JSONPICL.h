@@ -63,11 +63,17 @@ public:
 
     /// The same, one record after the other: a message can have millions.
     void forEachGetRequest(const std::function<void(PropertyGetRequest)>& handle) const;
+    void forEachSubscribeRequest(const std::function<void(PropertyGetRequest)>& handle) const; ///< No gets.
     void forEachSetRequest(const std::function<void(PropertySetRequest)>& handle) const;
     void forEachGetResponse(const std::function<void(PropertyGetResponse)>& handle) const;
 
     /// Returns whether all properties, present and future, are subscribed to.
     [[nodiscard]] bool hasSubscribeAll() const { return has(keys::kSubscribeAll); }
+
+    /// Returns whether all properties are asked for, or any are subscribed to, or whether anything is asked.
+    [[nodiscard]] bool asksForAll() const { return has(keys::kGetAll) || hasSubscribeAll(); }
+    [[nodiscard]] bool subscribes() const { return has(keys::kSubscribeRequests) || hasSubscribeAll(); }
+    [[nodiscard]] bool asks() const { return asksForAll() || subscribes() || has(keys::kGetRequests); }
 
     /// Returns whether the message has @p key, whatever stands under it.
     [[nodiscard]] bool has(std::string_view key) const;

@@ -60,25 +60,12 @@ void PICLInterface::stopPublishing() { m_publisherThread->stop(); }
 
 void PICLInterface::getProperties(const PropertyGetRequests& requests,
                                   PropertyGetResponses& responses) const {
-    for (const PropertyGetRequest& request : requests) {
-        PropertyQueue found;
-        if (request.guid.empty())
-            m_propertyManager->getGroupProperties(request.group, found);
-        else if (std::shared_ptr<Property> property =
-                     m_propertyManager->findProperty(request.guid, request.group))
-            found.push_back(std::move(property));
-        else
-            responses.push_back(notFoundReport(request));
-        for (const std::shared_ptr<Property>& property : found)
-            appendReport(responses, *property, status::kSuccessful, *m_componentProperty);
-    }
+    for (const PropertyGetRequest& request : requests)
+        appendAnswer(responses, *m_propertyManager, request, *m_componentProperty);
 }
 
 void PICLInterface::getAllProperties(PropertyGetResponses& responses) const {
-    PropertyQueue properties;
-    m_propertyManager->getAllProperties(properties);
-    for (const std::shared_ptr<Property>& property : properties)
-        appendReport(responses, *property, status::kSuccessful, *m_componentProperty);
+    appendAll(responses, *m_propertyManager, *m_componentProperty);
 }
 
 void PICLInterface::queueChangedProperty(std::shared_ptr<Property> property) {

@@ -1,6 +1,7 @@
 #include "picl/PICLServerAgent.h"
 
 #include "picl/JSONPICL.h"
+#include "picl/PropertyReports.h"
 #include "picl/Publisher.h"
 #include "picl/ReportFrames.h"
 #include "platform/Stream.h"
@@ -15,25 +16,6 @@ namespace {
 
 constexpr std::size_t kLongestValue = frame::kLargestText - 1024; // the keys and GUIDs have room beside it
 constexpr std::uint32_t kGoodbyeLimitMs = 500; // and as much again for the end of its thread
-
-// Neither a number that is none nor a listener that fails ends the thread that reads: the property keeps what
-// it has, and the rest of the message is dealt with.
-void applyText(Property& property, std::string_view text) {
-    try {
-        property.setFromString(text);
-    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
-    }
-}
-
-bool asksForAll(const JSONPICL& request) { return request.has(keys::kGetAll) || request.hasSubscribeAll(); }
-
-bool subscribes(const JSONPICL& request) {
-    return request.has(keys::kSubscribeRequests) || request.hasSubscribeAll();
-}
-
-bool asks(const JSONPICL& request) {
-    return asksForAll(request) || subscribes(request) || request.has(keys::kGetRequests);
-}
 
 } // namespace
 
@@ -80,14 +62,14 @@ bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std:
     else
         handleGetResponses(*request);
 
-    if (subscribes(*request))
+    if (request->subscribes())
         setPublishStream(stream);
-    return !asks(*request) || answer(*stream, *request, *response);
+    return !request->asks() || answer(*stream, *request, *response);
 }
 
 // One request after the other, so that a message of many takes no more memory than its tree and a frame.
 bool PICLServerAgent::answer(Stream& stream, const JSONPICL& request, JSONPICL& response) {
-    const bool isForAll = asksForAll(request);
+    const bool isForAll = request.asksForAll();
     ReportFrames frames(response, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
                         [&](JSONPICL& frame) { return m_publishStream->reply(stream, frame); });
     PropertyGetResponses reports;

@@ -2,6 +2,7 @@
 
 #include "picl/JSONPICL.h"
 #include "property/Property.h"
+#include "property/PropertyTable.h"
 #include "property/PropertyVocabulary.h"
 
 #include <string>
@@ -36,4 +37,33 @@ PropertyGetResponse notFoundReport(const PropertyGetRequest& request) {
             .status = std::string(status::kNotFound),
             .component = escapeText(request.component),
             .componentString = std::string(misses::kGroup)};
+}
+
+void appendAnswer(PropertyGetResponses& reports, const PropertyTable& table,
+                  const PropertyGetRequest& request, const Property& component) {
+    PropertyQueue found;
+    if (request.guid.empty())
+        table.getGroupProperties(request.group, found);
+    else if (std::shared_ptr<Property> property = table.findProperty(request.guid, request.group))
+        found.push_back(std::move(property));
+    else
+        reports.push_back(notFoundReport(request));
+    for (const std::shared_ptr<Property>& property : found)
+        appendReport(reports, *property, status::kSuccessful, component);
+}
+
+void appendAll(PropertyGetResponses& reports, const PropertyTable& table, const Property& component) {
+    PropertyQueue properties;
+    table.getAllProperties(properties);
+    for (const std::shared_ptr<Property>& property : properties)
+        appendReport(reports, *property, status::kSuccessful, component);
+}
+
+// Neither a number that is none nor a listener that fails ends the thread that reads: the property keeps what
+// it has, and the rest of the message is dealt with.
+void applyText(Property& property, std::string_view text) {
+    try {
+        property.setFromString(text);
+    } catch (...) { // NOLINT(bugprone-empty-catch): there is nobody to tell
+    }
 }

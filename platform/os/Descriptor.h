@@ -21,6 +21,12 @@ public:
     [[nodiscard]] bool isOpen() const { return m_value >= 0; }
     [[nodiscard]] int value() const { return m_value; }
 
+    /// Returns another descriptor of the same file, or an absent one where the host has none left.
+    [[nodiscard]] Descriptor duplicate() const;
+
+    /// Gives the descriptor away: the caller closes it.
+    [[nodiscard]] int release() { return std::exchange(m_value, kAbsent); }
+
 private:
     static constexpr int kAbsent = -1;
     int m_value = kAbsent;

@@ -11,7 +11,8 @@ class LocalListener {
 public:
     /// Listens at @p path, in a folder that exists. A socket there on which nobody listens any more gives
     /// way; anything else stays, and the listener is closed, as it is where the path is longer than the host
-    /// takes. Does not block.
+    /// takes. Who may connect is who may write to the socket: the user and the group of this process. Does
+    /// not block.
     explicit LocalListener(const std::string& path);
 
     /// Removes the socket. Requires: no call begins any more.
@@ -26,6 +27,10 @@ public:
     /// Returns the next connection; an absent descriptor once close() was called and those from before it are
     /// taken, or where the host has no descriptor left. Thread: one at a time. Blocks without limit.
     [[nodiscard]] Descriptor accept();
+
+    /// Returns a descriptor of the listening socket for an event loop, which then accepts in the place of
+    /// accept(); absent where the host has none left.
+    [[nodiscard]] Descriptor duplicate() const { return m_socket.duplicate(); }
 
     /// Refuses further connections and wakes accept(). May be repeated. Thread: any. Does not block.
     void close();

@@ -1,5 +1,6 @@
 #include "platform/os/Descriptor.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace os {
@@ -9,5 +10,7 @@ Descriptor::~Descriptor() {
     if (isOpen())
         ::close(m_value);
 }
+
+Descriptor Descriptor::duplicate() const { return Descriptor(::fcntl(m_value, F_DUPFD_CLOEXEC, 0)); }
 
 } // namespace os

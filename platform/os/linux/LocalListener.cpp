@@ -9,7 +9,8 @@
 namespace os {
 namespace {
 
-constexpr int kLongestQueue = 4;
+constexpr int kLongestQueue = 128;
+constexpr mode_t kRights = 0660;
 
 bool isSocketFile(const std::string& path) {
     struct stat status {};
@@ -37,6 +38,8 @@ Descriptor listenAt(const std::string& path) {
         if (::unlink(path.c_str()) != 0 || !binds(socket, *address))
             return {};
     }
+    if (::chmod(path.c_str(), kRights) != 0)
+        return {};
     return ::listen(socket.value(), kLongestQueue) == 0 ? std::move(socket) : Descriptor();
 }
 

@@ -1,0 +1,204 @@
+#include "tools/propertyserver/Connection.h"
+
+#include <array>
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/post.hpp>
+#include <utility>
+
+namespace asio = boost::asio;
+
+namespace {
+
+// All connections are read through one buffer: an idle one holds none.
+std::array<char, 65536>& pieceBuffer() {
+    static std::array<char, 65536> buffer;
+    return buffer;
+}
+
+// Less is not worth a timer.
+constexpr std::chrono::milliseconds kFreeOfRest{2};
+
+} // namespace
+
+Connection::Connection(Socket socket, const Handler& handler)
+    : m_socket(std::move(socket)),
+      m_rest(m_socket.get_executor()),
+      m_handler(handler),
+      m_lastWhole(Clock::now()) {}
+
+void Connection::start() {
+    boost::system::error_code failure;
+    m_socket.non_blocking(true, failure);
+    if (failure)
+        end("cannot be read: " + failure.message());
+    else
+        awaitBytes();
+}
+
+void Connection::awaitBytes() {
+    if (m_hasEnded || m_holds || m_isReading)
+        return;
+    m_isReading = true;
+    m_socket.async_wait(asio::socket_base::wait_read,
+                        [self = shared_from_this()](const boost::system::error_code& failure) {
+                            self->m_isReading = false;
+                            if (!failure)
+                                self->takeBytes();
+                        });
+}
+
+void Connection::takeBytes() {
+    if (m_hasEnded)
+        return;
+    const Clock::time_point begin = Clock::now();
+    if (!readPiece())
+        return;
+    takeMessages();
+    if (isInsideFrame())
+        m_handler.wait();
+    rest(Clock::now() - begin);
+}
+
+bool Connection::readPiece() {
+    boost::system::error_code failure;
+    const std::size_t count = m_socket.read_some(asio::buffer(pieceBuffer()), failure);
+    if (failure && failure != asio::error::would_block) {
+        end(failure == asio::error::eof ? "has gone" : "has gone: " + failure.message());
+        return false;
+    }
+    if (!isInsideFrame())
+        m_lastWhole = Clock::now();
+    m_reader.take({pieceBuffer().data(), count});
+    return true;
+}
+
+void Connection::takeMessages() {
+    while (!m_hasEnded && !m_holds) {
+        JSONPICL message;
+        const FrameReader::Result result = m_reader.next(message);
+        if (result == FrameReader::Result::Refused)
+            end("sent what is no message");
+        if (result != FrameReader::Result::Message)
+            return;
+        m_lastWhole = Clock::now();
+        m_handler.take(*this, message);
+    }
+}
+
+// The others have their turn as long as this one had.
+void Connection::rest(Clock::duration spent) {
+    if (spent < kFreeOfRest || m_hasEnded) {
+        awaitBytes();
+        return;
+    }
+    m_isReading = true;
+    m_rest.expires_after(spent);
+    m_rest.async_wait([self = shared_from_this()](const boost::system::error_code& /*cancelled*/) {
+        self->m_isReading = false;
+        self->awaitBytes();
+    });
+}
+
+void Connection::hold(bool holds) {
+    m_holds = holds;
+    if (holds)
+        return;
+    asio::post(m_socket.get_executor(), [self = shared_from_this()] { // not inside of a call of the hub
+        self->takeMessages();
+        self->awaitBytes();
+    });
+}
+
+bool Connection::isStuck(Clock::time_point now) const {
+    return isInsideFrame() && now - m_lastWhole > kFramePatience;
+}
+
+void Connection::send(JSONPICL& message) {
+    if (m_hasEnded)
+        return;
+    m_outbox.send(frameOf(message));
+    flush();
+    limit();
+}
+
+void Connection::answer(const std::vector<SharedReport>& reports, bool isForAll) {
+    if (m_hasEnded)
+        return;
+    m_outbox.answer(reports, isForAll);
+    flush();
+    limit();
+}
+
+void Connection::publish(const SharedReport& report) {
+    if (m_hasEnded)
+        return;
+    m_outbox.publish(report);
+    flushSoon();
+}
+
+// The changes that come in one piece leave in one frame.
+void Connection::flushSoon() {
+    if (std::exchange(m_isFlushing, true))
+        return;
+    asio::post(m_socket.get_executor(), [self = shared_from_this()] {
+        self->m_isFlushing = false;
+        self->flush();
+    });
+}
+
+void Connection::flush() {
+    if (m_isFlushing)
+        return;
+    while (!m_hasEnded) {
+        const std::string_view bytes = m_outbox.next();
+        if (bytes.empty())
+            return;
+        boost::system::error_code failure;
+        const std::size_t count = m_socket.write_some(asio::buffer(bytes.data(), bytes.size()), failure);
+        if (failure == asio::error::would_block) {
+            awaitRoom();
+            return;
+        }
+        if (failure)
+            end("takes nothing more: " + failure.message());
+        else
+            m_outbox.sent(count);
+    }
+}
+
+void Connection::limit() {
+    if (m_outbox.bytes() > kMostWaiting)
+        end("does not read what it is sent");
+}
+
+void Connection::awaitRoom() {
+    m_isFlushing = true;
+    m_socket.async_wait(asio::socket_base::wait_write,
+                        [self = shared_from_this()](const boost::system::error_code& /*cancelled*/) {
+                            self->m_isFlushing = false;
+                            self->flush();
+                        });
+}
+
+void Connection::end(std::string_view why) {
+    if (std::exchange(m_hasEnded, true))
+        return;
+    asio::post(m_socket.get_executor(), [self = shared_from_this(), reason = std::string(why)] {
+        self->close();
+        self->m_handler.end(*self, reason);
+    });
+}
+
+void Connection::close() {
+    boost::system::error_code ignored; // there is nobody left to tell
+    if (!m_hasEnded) {
+        JSONPICL goodbye;
+        goodbye.addDisconnect();
+        m_isFlushing = false;
+        flush(); // first the changes, which would stand behind it
+        send(goodbye);
+        m_hasEnded = true;
+    }
+    m_rest.cancel(ignored);
+    m_socket.close(ignored);
+}

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "picl/FrameReader.h"
+#include "tools/propertyserver/Outbox.h"
+#include "tools/propertyserver/Peer.h"
+
+#include <boost/asio/generic/stream_protocol.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+/// A program's connection: bytes to messages for the server, messages to bytes for the program.
+///
+/// Never waits: what the program does not take stays in the outbox, up to a limit; what it sends is read a
+/// piece at a time, in turn with the others, and who costs much time waits as long again. Belongs to the
+/// thread of the event loop.
+class Connection final : public Peer, public std::enable_shared_from_this<Connection> {
+public:
+    using Socket = boost::asio::generic::stream_protocol::socket;
+    using Clock = std::chrono::steady_clock;
+
+    /// What may wait to be sent, but for changes: several of the longest frames.
+    static constexpr std::size_t kMostWaiting = 16U << 20U;
+
+    /// How long the rest of a frame may take.
+    static constexpr std::chrono::seconds kFramePatience{10};
+
+    /// What the server does with a connection.
+    struct Handler {
+        std::function<void(Connection&, const JSONPICL&)> take; ///< A message has come.
+        std::function<void()> wait;                             ///< A part of a frame waits for the rest.
+        std::function<void(Connection&, std::string_view)> end; ///< It is over; says why.
+    };
+
+    /// Takes over @p socket. @p handler outlives the connection.
+    Connection(Socket socket, const Handler& handler);
+
+    /// Begins to read.
+    void start();
+
+    void send(JSONPICL& message) override;
+    void answer(const std::vector<SharedReport>& reports, bool isForAll) override;
+    void publish(const SharedReport& report) override;
+    void hold(bool holds) override;
+    void end(std::string_view why) override;
+
+    /// Returns whether a part of a frame has waited for the rest too long. Restarts the clock of one that
+    /// came whole meanwhile.
+    [[nodiscard]] bool isStuck(Clock::time_point now) const;
+
+    /// Returns whether a part of a frame waits for the rest.
+    [[nodiscard]] bool isInsideFrame() const { return m_reader.waiting() > 0; }
+
+    /// Says goodbye, as far as the program takes it at once, and closes.
+    void close();
+
+private:
+    void awaitBytes();
+    void takeBytes();
+    [[nodiscard]] bool readPiece();
+    void takeMessages();
+    void rest(Clock::duration spent);
+    void flush();
+    void limit();
+    void flushSoon();
+    void awaitRoom();
+
+    Socket m_socket;
+    boost::asio::steady_timer m_rest;
+    const Handler& m_handler;
+    FrameReader m_reader;
+    Outbox m_outbox;
+    Clock::time_point m_lastWhole; // when there was no part of a frame left
+    bool m_holds = false;
+    bool m_isReading = false;  // a wait for bytes, or a rest, is under way
+    bool m_isFlushing = false; // a wait for room, or a flush, is under way
+    bool m_hasEnded = false;
+};

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "tools/propertyserver/Peer.h"
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Who owns what, what was last told of it, and who watches it.
+///
+/// A program is known by the GUID of its component, from its first report on. As long as its owner is
+/// connected nobody else can take its place. What is watched need not be there yet, and is watched until the
+/// watcher goes.
+class Directory {
+public:
+    /// What one program may have remembered. A report beyond it is not taken.
+    static constexpr std::size_t kMostProperties = 10'000;
+    static constexpr std::size_t kMostBytes = 16U << 20U;
+
+    struct Property {
+        SharedReport last; ///< Absent as long as nobody has reported it.
+        std::vector<Peer*> watchers;
+    };
+
+    struct Program {
+        Peer* owner = nullptr; ///< Absent while the program is not connected.
+        bool isSubscribed = false;
+        std::size_t known = 0;                                   ///< Properties with a report.
+        std::size_t bytes = 0;                                   ///< Of their reports.
+        std::map<std::string, Property, std::less<>> properties; ///< By full key.
+        std::map<std::string, std::vector<Peer*>, std::less<>> groupWatchers;
+    };
+
+    /// Returns the program, or null where nobody has heard of it.
+    [[nodiscard]] Program* find(std::string_view component);
+
+    /// Returns the program if @p peer is its owner, which it becomes if there is none; else null.
+    [[nodiscard]] Program* claim(Peer& peer, std::string_view component);
+
+    /// Takes @p report as the last word on its property, which may be that it has gone. Returns what was told
+    /// before, absent if nothing was; @p taken tells whether there was room.
+    SharedReport remember(Program& program, const SharedReport& report, bool& taken);
+
+    /// Adds @p peer to those who are told of a property, or of a whole group where @p guid is empty. Returns
+    /// whether it was not among them.
+    bool watch(Peer& peer, std::string_view component, std::string_view group, std::string_view guid);
+    bool watchAll(Peer& peer);
+
+    /// Returns whether anybody wants to hear of @p program.
+    [[nodiscard]] bool isWatched(const Program& program) const;
+
+    /// Tells the watchers of @p report.
+    void deliver(const Program& program, const SharedReport& report) const;
+
+    /// Tells the watchers that the properties of @p component have gone, and that they have no owner now.
+    void orphan(std::string_view component);
+
+    /// Forgets @p peer as a watcher.
+    void forget(Peer& peer);
+
+    /// Calls @p handle for each program that is connected, in the order of their GUIDs.
+    void forEachConnected(const std::function<void(const std::string&, Program&)>& handle);
+
+private:
+    using Programs = std::map<std::string, Program, std::less<>>;
+
+    void tidy(Programs::iterator program);
+
+    Programs m_programs;
+    std::vector<Peer*> m_watchersOfAll;
+};

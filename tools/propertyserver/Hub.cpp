@@ -1,0 +1,334 @@
+#include "tools/propertyserver/Hub.h"
+
+#include "property/PropertyKey.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kLongestComponent = 64; // a GUID has 36
+constexpr std::string_view kNoGroup = "00000000-0000-0000-0000-000000000000";
+
+std::string quoted(const std::string& text) { return '"' + escapeText(text) + '"'; }
+
+PropertyGetRequest escaped(const PropertyGetRequest& request) {
+    return {.component = escapeText(request.component),
+            .group = escapeText(request.group),
+            .guid = escapeText(request.guid)};
+}
+
+using Kind = Question::Item::Kind;
+
+} // namespace
+
+/// A question in the making, with what goes on to the owners for it, a message for each.
+class Hub::Inquiry {
+public:
+    Inquiry(Hub& hub, Peer& asker) : m_hub(hub), m_question(asker, false) {}
+
+    /// Has the owner of @p request subscribed to, if it is not yet.
+    void subscribe(const PropertyGetRequest& request) {
+        if (Directory::Program* program = connected(request.component); program && !program->isSubscribed)
+            m_parts[program].subscribes = true;
+    }
+
+    /// Adds an item. Returns whether there was room.
+    [[nodiscard]] bool add(PropertyGetRequest request) {
+        const auto [place, isNew] = m_known.try_emplace(
+            request.component + '\n' + fullKey(request.group, request.guid), m_question.items.size());
+        m_question.order.push_back(place->second);
+        if (!isNew)
+            return m_question.order.size() <= kMostItems;
+        Question::Item item(request.guid.empty() ? Kind::Group : Kind::Property, std::move(request));
+        if (Directory::Program* program = connected(item.request.component))
+            m_parts[program].add(item);
+        else
+            item.report = makeNotFound(item.request);
+        m_question.items.push_back(std::move(item));
+        return m_question.order.size() <= kMostItems;
+    }
+
+    /// Returns the question. Whether a group is complete is known by a mark behind it.
+    [[nodiscard]] Question take() {
+        for (auto& [program, part] : m_parts) {
+            if (!part.hasGroup)
+                continue;
+            m_question.items.emplace_back(Kind::Mark, m_hub.nextMark(part.requests[0].component));
+            part.add(m_question.items.back());
+        }
+        return std::move(m_question);
+    }
+
+    void handOn() const {
+        for (const auto& [program, part] : m_parts) {
+            JSONPICL message;
+            for (const PropertyGetRequest& request : part.requests) {
+                if (part.subscribes)
+                    message.addSubscribeRequest(escaped(request));
+                else
+                    message.addGetRequest(escaped(request));
+            }
+            program->isSubscribed |= part.subscribes;
+            program->owner->send(message);
+        }
+    }
+
+private:
+    struct Part {
+        void add(const Question::Item& item) {
+            requests.push_back(item.request);
+            hasGroup |= item.kind == Kind::Group;
+        }
+
+        std::vector<PropertyGetRequest> requests;
+        bool subscribes = false;
+        bool hasGroup = false;
+    };
+
+    [[nodiscard]] Directory::Program* connected(const std::string& component) const {
+        Directory::Program* program = m_hub.m_directory.find(component);
+        return program != nullptr && program->owner != nullptr ? program : nullptr;
+    }
+
+    Hub& m_hub;
+    Question m_question;
+    std::map<std::string, std::size_t> m_known; // items by program and full key
+    std::map<Directory::Program*, Part> m_parts;
+};
+
+Hub::Hub(Log log) : m_log(std::move(log)), m_questions([this](Question& question) { answer(question); }) {}
+
+void Hub::join(Peer& peer) { m_places[&peer] = m_members.insert(m_members.end(), Member(peer)); }
+
+void Hub::leave(Peer& peer) {
+    const auto place = m_places.find(&peer);
+    const auto owned = std::move(place->second->owned);
+    m_questions.forget(peer);
+    if (place->second->watched > 0)
+        m_directory.forget(peer);
+    m_members.erase(place->second);
+    m_places.erase(place);
+    for (const std::string& component : owned) {
+        m_directory.orphan(component);
+        m_questions.settleGone(component);
+        promote(component);
+    }
+}
+
+// Who reported the component while it had another owner is asked to do so again.
+void Hub::promote(const std::string& component) {
+    const auto next = std::find_if(m_members.begin(), m_members.end(), [&](const Member& member) {
+        return member.wanted.find(component) != member.wanted.end();
+    });
+    if (next == m_members.end())
+        return;
+    next->wanted.erase(component);
+    JSONPICL message;
+    message.addGetAll();
+    next->peer->send(message);
+}
+
+void Hub::take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point now) {
+    handOnSets(message);
+    Member& member = memberOf(peer);
+    takeReports(member, message);
+    ask(member, message, now);
+    if (message.has(keys::kDisconnect))
+        peer.end("has said goodbye");
+}
+
+Hub::Member& Hub::memberOf(const Peer& peer) { return *m_places.find(&peer)->second; }
+
+void Hub::handOnSets(const JSONPICL& message) {
+    if (!message.has(keys::kSetRequests))
+        return;
+    Peer* owner = nullptr;
+    JSONPICL handedOn; // to it
+    const auto send = [&] {
+        if (owner != nullptr)
+            owner->send(handedOn);
+        handedOn.clear();
+    };
+    message.forEachSetRequest([&](const PropertySetRequest& request) {
+        const Directory::Program* program = m_directory.find(request.component);
+        if (program == nullptr || program->owner == nullptr)
+            return;
+        if (program->owner != owner)
+            send();
+        owner = program->owner;
+        handedOn.addSetRequest({.guid = escapeText(request.guid),
+                                .group = escapeText(request.group),
+                                .component = escapeText(request.component),
+                                .value = escapeText(request.value)});
+    });
+    send();
+}
+
+void Hub::takeReports(Member& member, const JSONPICL& message) {
+    if (!message.has(keys::kGetResponses))
+        return;
+    const bool isAnswer = message.has(keys::kGetAllResponse);
+    message.forEachGetResponse(
+        [&](PropertyGetResponse arrived) { takeReport(member, std::move(arrived), isAnswer); });
+}
+
+void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer) {
+    const bool isFound = arrived.status != status::kNotFound;
+    Directory::Program* program = isFound || member.owned.find(arrived.component) != member.owned.end()
+                                      ? programOf(member, arrived.component)
+                                      : nullptr;
+    if (program == nullptr)
+        return;
+    const auto report = std::make_shared<const Report>(std::move(arrived));
+    isAnswer |= m_questions.settle(report);
+    if (!isFound)
+        return;
+    bool isTaken = false;
+    const SharedReport last = m_directory.remember(*program, report, isTaken);
+    if (!isTaken && !std::exchange(member.isFull, true))
+        m_log("the program " + quoted(report->component) + " has more properties than are kept");
+    const bool isGone = report->record.status == status::kNoLongerAvailable;
+    const bool isNews = last ? isGone || !isAnswer || last->record.value != report->record.value : !isGone;
+    if (isTaken && isNews)
+        m_directory.deliver(*program, report);
+}
+
+Directory::Program* Hub::programOf(Member& member, const std::string& component) {
+    if (member.owned.find(component) != member.owned.end())
+        return m_directory.find(component);
+    if (component.empty() || component.size() > kLongestComponent ||
+        member.wanted.find(component) != member.wanted.end() ||
+        member.owned.size() + member.wanted.size() >= kMostPrograms)
+        return nullptr;
+    Directory::Program* program = m_directory.claim(*member.peer, component);
+    if (program == nullptr) {
+        member.wanted.insert(component);
+        m_log("the program " + quoted(component) +
+              " is connected already; what another one says for it is not taken");
+        return nullptr;
+    }
+    member.owned.insert(component);
+    if (m_directory.isWatched(*program)) {
+        JSONPICL message;
+        message.addSubscribeAll();
+        program->isSubscribed = true;
+        member.peer->send(message);
+    }
+    return program;
+}
+
+void Hub::ask(Member& member, const JSONPICL& message, Questions::Clock::time_point now) {
+    if (message.asksForAll()) {
+        askForAll(member, message.hasSubscribeAll(), now);
+        return;
+    }
+    if (!message.asks())
+        return;
+
+    Inquiry inquiry(*this, *member.peer);
+    bool isWithinLimits = subscribe(member, message, inquiry);
+    message.forEachGetRequest([&](PropertyGetRequest request) {
+        isWithinLimits = isWithinLimits && inquiry.add(std::move(request));
+    });
+    if (!isWithinLimits) {
+        member.peer->end("asked for too much");
+        return;
+    }
+    enter(member, inquiry.take(), now);
+    inquiry.handOn();
+}
+
+// Returns whether that was within the limits.
+bool Hub::subscribe(Member& member, const JSONPICL& message, Inquiry& inquiry) {
+    bool isWithinLimits = true;
+    message.forEachSubscribeRequest([&](const PropertyGetRequest& request) {
+        isWithinLimits =
+            isWithinLimits && request.component.size() <= kLongestComponent && member.watched < kMostWatched;
+        if (!isWithinLimits)
+            return;
+        if (m_directory.watch(*member.peer, request.component, request.group, request.guid))
+            ++member.watched;
+        inquiry.subscribe(request);
+    });
+    return isWithinLimits;
+}
+
+void Hub::askForAll(Member& member, bool subscribes, Questions::Clock::time_point now) {
+    if (subscribes && m_directory.watchAll(*member.peer))
+        ++member.watched;
+    Question question(*member.peer, true);
+    std::vector<Directory::Program*> programs;
+    m_directory.forEachConnected([&](const std::string& component, Directory::Program& program) {
+        if (program.owner == member.peer)
+            return;
+        question.items.emplace_back(Kind::Mark, nextMark(component));
+        programs.push_back(&program);
+    });
+    const std::vector<Question::Item> marks = question.items;
+    enter(member, std::move(question), now);
+    for (std::size_t i = 0; i < programs.size(); ++i) {
+        JSONPICL all;
+        if (subscribes && !std::exchange(programs[i]->isSubscribed, true))
+            all.addSubscribeAll();
+        else
+            all.addGetAll();
+        programs[i]->owner->send(all);
+        JSONPICL mark; // of its own: beside a question for all nothing else is answered
+        mark.addGetRequest(escaped(marks[i].request));
+        programs[i]->owner->send(mark);
+    }
+}
+
+void Hub::enter(Member& member, Question question, Questions::Clock::time_point now) {
+    if (++member.questions >= kMostQuestions && !std::exchange(member.isHeld, true))
+        member.peer->hold(true);
+    m_questions.add(std::move(question), now);
+}
+
+void Hub::answer(const Question& question) {
+    Member& asker = memberOf(*question.asker);
+    if (--asker.questions < kMostQuestions / 2 && std::exchange(asker.isHeld, false))
+        asker.peer->hold(false);
+    std::vector<SharedReport> reports;
+    if (question.isForAll)
+        reports = everythingBut(*question.asker);
+    for (const std::size_t i : question.order) {
+        const Question::Item& item = question.items[i];
+        if (item.report)
+            reports.push_back(item.report);
+        for (const auto& [key, report] : item.group)
+            reports.push_back(report);
+    }
+    const bool isComplete = std::all_of(question.items.begin(), question.items.end(), [](const auto& item) {
+        return item.report || item.kind == Kind::Group;
+    });
+    // Where nothing came in time, the program that was asked is silent, and so is the server.
+    if (isComplete || question.isForAll || !reports.empty())
+        asker.peer->answer(reports, question.isForAll);
+}
+
+std::vector<SharedReport> Hub::everythingBut(const Peer& asker) {
+    std::vector<SharedReport> reports;
+    m_directory.forEachConnected([&](const std::string&, const Directory::Program& program) {
+        if (program.owner == &asker)
+            return;
+        for (const auto& [key, property] : program.properties) {
+            if (property.last)
+                reports.push_back(property.last);
+        }
+    });
+    return reports;
+}
+
+PropertyGetRequest Hub::nextMark(std::string_view component) {
+    char guid[kNoGroup.size() + 1];
+    static_cast<void>(std::snprintf(guid, sizeof guid, "00000000-0000-0000-%04llX-%012llX",
+                                    static_cast<unsigned long long>(m_marks >> 48U),
+                                    static_cast<unsigned long long>(m_marks & 0xFFFF'FFFF'FFFFU)));
+    ++m_marks;
+    return {.component = std::string(component), .group = std::string(kNoGroup), .guid = guid};
+}

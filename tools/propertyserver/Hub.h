@@ -1,0 +1,82 @@
+#pragma once
+
+#include "tools/propertyserver/Directory.h"
+#include "tools/propertyserver/Questions.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Hands messages between the programs that are connected: sets and questions to the owner of the property,
+/// answers to who asked, changes to who watches.
+///
+/// Knows nothing of sockets and time: connections are peers, the time is told. Belongs to one thread. Blocks
+/// nowhere.
+class Hub {
+public:
+    // What one peer may do. Beyond it a peer is held, or its connection ends.
+    static constexpr std::size_t kMostQuestions = 256; ///< Without an answer yet: it is held.
+    static constexpr std::size_t kMostItems = 4096;    ///< Asked for in one message.
+    static constexpr std::size_t kMostWatched = 4096;  ///< Properties and groups.
+    static constexpr std::size_t kMostPrograms = 16;   ///< That it speaks for, or would like to.
+
+    using Log = std::function<void(std::string_view)>;
+
+    /// @p log takes sentences about what a person should know.
+    explicit Hub(Log log);
+
+    void join(Peer& peer);
+
+    /// Takes leave of @p peer: what it owned has gone, what it asked is forgotten.
+    void leave(Peer& peer);
+
+    /// Deals with a message of @p peer: its sets, its reports, its questions, in this order.
+    void take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point now);
+
+    /// Answers what has waited too long with what there is.
+    void expire(Questions::Clock::time_point now) { m_questions.expire(now); }
+
+    /// Returns whether a question waits, and expire() is of use.
+    [[nodiscard]] bool isWaiting() const { return !m_questions.isEmpty(); }
+
+private:
+    struct Member {
+        explicit Member(Peer& thePeer) : peer(&thePeer) {}
+
+        Peer* peer;
+        std::set<std::string, std::less<>> owned;  // components
+        std::set<std::string, std::less<>> wanted; // components that others own
+        std::size_t questions = 0;
+        std::size_t watched = 0;
+        bool isHeld = false;
+        bool isFull = false; // something of it was not taken
+    };
+    class Inquiry;
+
+    [[nodiscard]] Member& memberOf(const Peer& peer);
+    void handOnSets(const JSONPICL& message);
+    void takeReports(Member& member, const JSONPICL& message);
+    [[nodiscard]] Directory::Program* programOf(Member& member, const std::string& component);
+    void promote(const std::string& component);
+    void takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer);
+    void ask(Member& member, const JSONPICL& message, Questions::Clock::time_point now);
+    void askForAll(Member& member, bool subscribes, Questions::Clock::time_point now);
+    [[nodiscard]] bool subscribe(Member& member, const JSONPICL& message, Inquiry& inquiry);
+    void enter(Member& member, Question question, Questions::Clock::time_point now);
+    void answer(const Question& question);
+    [[nodiscard]] std::vector<SharedReport> everythingBut(const Peer& asker);
+    [[nodiscard]] PropertyGetRequest nextMark(std::string_view component);
+
+    const Log m_log;
+    std::list<Member> m_members; // in the order of their coming
+    std::map<const Peer*, std::list<Member>::iterator> m_places;
+    Directory m_directory;
+    Questions m_questions;
+    std::uint64_t m_marks = 1;
+};

@@ -1,0 +1,60 @@
+#include "tools/propertyserver/LocalProgram.h"
+
+#include "picl/FrameReader.h"
+#include "picl/PropertyReports.h"
+#include "property/MakeProperty.h"
+#include "property/StringProperty.h"
+
+#include <utility>
+
+LocalProgram::LocalProgram(const VocabularyEntry& component, Say say)
+    : m_say(std::move(say)),
+      m_component(makeProperty<StringProperty>(vocabulary::groups::kComponents, component, component.name)) {}
+
+void LocalProgram::add(std::shared_ptr<Property> property) {
+    m_table.addProperty(property);
+    property->addListener([this](const std::shared_ptr<Property>& changed) { report(*changed); });
+    report(*property);
+}
+
+void LocalProgram::report(const Property& property) const {
+    auto reports = std::make_unique<PropertyGetResponses>();
+    appendReport(*reports, property, status::kSuccessful, *m_component);
+    JSONPICL message;
+    message.addGetResponses(std::move(reports));
+    m_say(frameOf(message));
+}
+
+// Read as it would be at the other end of a connection: what leaves is escaped, what arrives is not.
+void LocalProgram::send(JSONPICL& message) {
+    FrameReader reader;
+    reader.take(frameOf(message));
+    JSONPICL received;
+    if (reader.next(received) != FrameReader::Result::Message)
+        return;
+    takeSets(received);
+    if (received.asks())
+        answer(received);
+}
+
+void LocalProgram::takeSets(const JSONPICL& message) const {
+    message.forEachSetRequest([this](const PropertySetRequest& request) {
+        if (const std::shared_ptr<Property> property = m_table.findProperty(request.guid, request.group))
+            applyText(*property, request.value);
+    });
+}
+
+void LocalProgram::answer(const JSONPICL& message) const {
+    JSONPICL answer;
+    auto reports = std::make_unique<PropertyGetResponses>();
+    if (message.asksForAll()) {
+        appendAll(*reports, m_table, *m_component);
+        answer.addGetAllPropertiesResponse();
+    } else {
+        message.forEachGetRequest([&](const PropertyGetRequest& request) {
+            appendAnswer(*reports, m_table, request, *m_component);
+        });
+    }
+    answer.addGetResponses(std::move(reports));
+    m_say(frameOf(answer));
+}

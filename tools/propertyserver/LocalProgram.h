@@ -1,0 +1,45 @@
+#pragma once
+
+#include "property/PropertyTable.h"
+#include "property/PropertyVocabulary.h"
+#include "tools/propertyserver/Peer.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class Property;
+
+/// A program that lives in the server itself, and takes part as any other does.
+///
+/// Its properties are reported at each change, at once. Belongs to the thread of the event loop.
+class LocalProgram final : public Peer {
+public:
+    /// Takes a message of this program, as it travels. Must not deal with it inside of the call.
+    using Say = std::function<void(std::string frame)>;
+
+    LocalProgram(const VocabularyEntry& component, Say say);
+
+    /// Adds @p property and reports it. The program outlives its changes.
+    void add(std::shared_ptr<Property> property);
+
+    /// Does with @p message what a program does: takes sets, answers questions.
+    void send(JSONPICL& message) override;
+
+    // It watches nothing, and asks nothing.
+    void answer(const std::vector<SharedReport>& /*reports*/, bool /*isForAll*/) override {}
+    void publish(const SharedReport& /*report*/) override {}
+    void hold(bool /*holds*/) override {}
+    void end(std::string_view /*why*/) override {}
+
+private:
+    void report(const Property& property) const;
+    void takeSets(const JSONPICL& message) const;
+    void answer(const JSONPICL& message) const;
+
+    const Say m_say;
+    const std::shared_ptr<Property> m_component;
+    PropertyTable m_table;
+};

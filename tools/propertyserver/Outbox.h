@@ -1,0 +1,55 @@
+#pragma once
+
+#include "tools/propertyserver/Peer.h"
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+/// What waits to be sent to one program.
+///
+/// Frames go in their order. Changes wait behind them, of each property the last one only, and become frames
+/// when there is nothing else to send: so what waits for a program that reads slowly, or not at all, does not
+/// grow with the number of changes. Belongs to one thread.
+class Outbox {
+public:
+    /// Adds a frame.
+    void send(std::string frame);
+
+    /// Adds the frames of an answer. What was published on its properties goes: it is older.
+    void answer(const std::vector<SharedReport>& reports, bool isForAll);
+
+    /// Has @p report told, in place of an older one on its property.
+    void publish(const SharedReport& report);
+
+    /// Returns what is to be written next, empty if there is nothing. It stays until sent() took it.
+    [[nodiscard]] std::string_view next();
+
+    /// Takes @p count bytes from what next() returned.
+    void sent(std::size_t count);
+
+    /// Returns how many bytes wait in frames.
+    [[nodiscard]] std::size_t bytes() const { return m_bytes; }
+
+private:
+    using Id = std::pair<std::string_view, std::string_view>; // component and key, of the report itself
+    struct IdHash {
+        std::size_t operator()(const Id& id) const {
+            return std::hash<std::string_view>()(id.second) ^ std::hash<std::string_view>()(id.first) << 1U;
+        }
+    };
+
+    static Id idOf(const SharedReport& report) { return {report->component, report->key}; }
+    void forget(const SharedReport& report);
+    void addFrames(const std::vector<SharedReport>& reports, bool isForAll);
+
+    std::deque<std::string> m_frames;
+    std::size_t m_sent = 0; // of the first frame
+    std::size_t m_bytes = 0;
+    std::vector<SharedReport> m_changes;                  // absent where a change was superseded
+    std::unordered_map<Id, std::size_t, IdHash> m_places; // of the changes
+};

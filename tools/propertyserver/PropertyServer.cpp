@@ -1,0 +1,262 @@
+#include "tools/propertyserver/PropertyServer.h"
+
+#include "platform/os/DescriptorLimit.h"
+#include "platform/os/LocalListener.h"
+#include "property/BoolProperty.h"
+#include "property/MakeProperty.h"
+#include "property/UInt32Property.h"
+#include "tools/propertyserver/Connection.h"
+#include "tools/propertyserver/Hub.h"
+#include "tools/propertyserver/LocalProgram.h"
+
+#include <algorithm>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/local/stream_protocol.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <csignal>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace asio = boost::asio;
+
+namespace {
+
+using asio::ip::tcp;
+using Device = asio::local::stream_protocol;
+
+// How long after its time an answer that does not come, or a frame that stays a part, is noticed.
+constexpr std::chrono::milliseconds kTick{250};
+
+// Until the host may have a descriptor again.
+constexpr std::chrono::milliseconds kAcceptPause{200};
+
+} // namespace
+
+class PropertyServer::Loop {
+public:
+    explicit Loop(PropertyServerOptions options);
+    ~Loop();
+
+    Loop(const Loop&) = delete;
+    Loop& operator=(const Loop&) = delete;
+
+    [[nodiscard]] bool listen(std::string& why);
+    void run();
+    void stopOnSignals();
+
+    asio::io_context context{1};
+    std::shared_ptr<BoolProperty> acConnected;
+    std::shared_ptr<UInt32Property> dotsPerInch;
+    std::uint16_t tcpPort = 0;
+
+private:
+    [[nodiscard]] bool listenOnDevice(std::string& why);
+    [[nodiscard]] bool listenOnTcp(std::string& why);
+    template <typename Acceptor>
+    void accept(Acceptor& acceptor);
+    template <typename Socket>
+    void admit(Socket socket);
+    void take(Peer& peer, const JSONPICL& message);
+    void takeLocal(std::string frame);
+    void drop(Connection& connection, std::string_view why);
+    void tick();
+    [[nodiscard]] bool endWaiting(Questions::Clock::time_point now);
+
+    const PropertyServerOptions m_options;
+    const Connection::Handler m_handler;
+    std::optional<os::LocalListener> m_listener;
+    Device::acceptor m_device{context};
+    tcp::acceptor m_tcp{context};
+    asio::steady_timer m_ticker{context};
+    asio::steady_timer m_pause{context};
+    asio::signal_set m_signals{context};
+    Hub m_hub;
+    LocalProgram m_firmware;
+    FrameReader m_firmwareReader;
+    std::set<std::shared_ptr<Connection>> m_connections;
+    bool m_isTicking = false;
+};
+
+PropertyServer::Loop::Loop(PropertyServerOptions options)
+    : m_options(std::move(options)),
+      m_handler{[this](Connection& connection, const JSONPICL& message) { take(connection, message); },
+                [this] { tick(); },
+                [this](Connection& connection, std::string_view why) { drop(connection, why); }},
+      m_hub(m_options.log),
+      m_firmware(vocabulary::components::kFirmwareDriver, [this](std::string frame) {
+          asio::post(context, [this, said = std::move(frame)]() mutable { takeLocal(std::move(said)); });
+      }) {
+    namespace groups = vocabulary::groups;
+    namespace properties = vocabulary::properties;
+    acConnected =
+        makeProperty<BoolProperty>(groups::kBattery, properties::kBatteryACConnected, m_options.acConnected);
+    dotsPerInch =
+        makeProperty<UInt32Property>(groups::kGeneral, properties::kDotsPerInch, m_options.dotsPerInch);
+    m_hub.join(m_firmware);
+    m_firmware.add(acConnected);
+    m_firmware.add(dotsPerInch);
+    context.poll(); // nobody speaks for the firmware before it does
+    context.restart();
+}
+
+PropertyServer::Loop::~Loop() {
+    for (const std::shared_ptr<Connection>& connection : m_connections)
+        connection->close();
+}
+
+bool PropertyServer::Loop::listen(std::string& why) {
+    static_cast<void>(os::raiseDescriptorLimit()); // what it was is what there is
+    return listenOnDevice(why) && (m_options.tcpAddress.empty() || listenOnTcp(why));
+}
+
+bool PropertyServer::Loop::listenOnDevice(std::string& why) {
+    m_listener.emplace(m_options.devicePath);
+    os::Descriptor socket = m_listener->isOpen() ? m_listener->duplicate() : os::Descriptor();
+    if (!socket.isOpen()) {
+        why = "cannot listen on " + m_options.devicePath + ": it is taken, or cannot be made";
+        return false;
+    }
+    m_device.assign(Device(), socket.release());
+    accept(m_device);
+    return true;
+}
+
+bool PropertyServer::Loop::listenOnTcp(std::string& why) {
+    boost::system::error_code failure;
+    const asio::ip::address address = asio::ip::make_address(m_options.tcpAddress, failure);
+    const tcp::endpoint endpoint(address, m_options.tcpPort);
+    const auto attempt = [&](auto&& step) {
+        if (!failure)
+            step();
+    };
+    attempt([&] { m_tcp.open(endpoint.protocol(), failure); });
+    attempt([&] { m_tcp.set_option(tcp::acceptor::reuse_address(true), failure); });
+    attempt([&] { m_tcp.bind(endpoint, failure); });
+    attempt([&] { m_tcp.listen(asio::socket_base::max_listen_connections, failure); });
+    if (failure) {
+        why = "cannot listen on " + m_options.tcpAddress + ", port " + std::to_string(m_options.tcpPort) +
+              ": " + failure.message();
+        return false;
+    }
+    tcpPort = m_tcp.local_endpoint(failure).port();
+    accept(m_tcp);
+    return true;
+}
+
+template <typename Acceptor>
+void PropertyServer::Loop::accept(Acceptor& acceptor) {
+    acceptor.async_accept([this, &acceptor](const boost::system::error_code& failure, auto socket) {
+        if (failure == asio::error::operation_aborted)
+            return;
+        if (!failure)
+            admit(std::move(socket));
+        if (!failure || failure == asio::error::connection_aborted) {
+            accept(acceptor);
+            return;
+        }
+        m_options.log("cannot take a connection: " + failure.message());
+        m_pause.expires_after(kAcceptPause);
+        m_pause.async_wait([this, &acceptor](const boost::system::error_code& cancelled) {
+            if (!cancelled)
+                accept(acceptor);
+        });
+    });
+}
+
+template <typename Socket>
+void PropertyServer::Loop::admit(Socket socket) {
+    if (m_connections.size() >= m_options.mostPrograms) {
+        m_options.log("turned a program away: " + std::to_string(m_options.mostPrograms) + " are connected");
+        return;
+    }
+    if constexpr (std::is_same_v<Socket, tcp::socket>) {
+        boost::system::error_code ignored; // it works without, if not as well
+        socket.set_option(tcp::no_delay(true), ignored);
+        socket.set_option(asio::socket_base::keep_alive(true), ignored);
+    }
+    const auto connection = std::make_shared<Connection>(std::move(socket), m_handler);
+    m_connections.insert(connection);
+    m_hub.join(*connection);
+    connection->start();
+}
+
+void PropertyServer::Loop::take(Peer& peer, const JSONPICL& message) {
+    m_hub.take(peer, message, Questions::Clock::now());
+    if (m_hub.isWaiting())
+        tick();
+}
+
+void PropertyServer::Loop::takeLocal(std::string frame) {
+    m_firmwareReader.take(frame);
+    JSONPICL message;
+    while (m_firmwareReader.next(message) == FrameReader::Result::Message)
+        m_hub.take(m_firmware, message, Questions::Clock::now());
+}
+
+void PropertyServer::Loop::drop(Connection& connection, std::string_view why) {
+    m_options.log("a program " + std::string(why));
+    m_hub.leave(connection);
+    m_connections.erase(connection.shared_from_this());
+}
+
+// Runs only as long as something waits: a server that has nothing to do sleeps.
+void PropertyServer::Loop::tick() {
+    if (std::exchange(m_isTicking, true))
+        return;
+    m_ticker.expires_after(kTick);
+    m_ticker.async_wait([this](const boost::system::error_code& cancelled) {
+        m_isTicking = false;
+        if (!cancelled && endWaiting(Questions::Clock::now()))
+            tick();
+    });
+}
+
+// Returns whether something goes on waiting.
+bool PropertyServer::Loop::endWaiting(Questions::Clock::time_point now) {
+    m_hub.expire(now);
+    bool waits = m_hub.isWaiting();
+    for (const std::shared_ptr<Connection>& connection : m_connections) {
+        waits = waits || connection->isInsideFrame();
+        if (connection->isStuck(now))
+            connection->end("did not finish what it began to send");
+    }
+    return waits;
+}
+
+void PropertyServer::Loop::run() { context.run(); }
+
+void PropertyServer::Loop::stopOnSignals() {
+    m_signals.add(SIGINT);
+    m_signals.add(SIGTERM);
+    m_signals.async_wait([this](const boost::system::error_code& cancelled, int /*signal*/) {
+        if (!cancelled)
+            context.stop();
+    });
+}
+
+std::unique_ptr<PropertyServer> PropertyServer::create(PropertyServerOptions options, std::string& why) {
+    auto loop = std::make_unique<Loop>(std::move(options));
+    if (!loop->listen(why))
+        return nullptr;
+    return std::unique_ptr<PropertyServer>(new PropertyServer(std::move(loop)));
+}
+
+PropertyServer::PropertyServer(std::unique_ptr<Loop> loop) : m_loop(std::move(loop)) {}
+PropertyServer::~PropertyServer() = default;
+
+void PropertyServer::run() { m_loop->run(); }
+void PropertyServer::stop() { m_loop->context.stop(); }
+void PropertyServer::stopOnSignals() { m_loop->stopOnSignals(); }
+std::uint16_t PropertyServer::tcpPort() const { return m_loop->tcpPort; }
+
+void PropertyServer::setACConnected(bool connected) {
+    asio::post(m_loop->context, [loop = m_loop.get(), connected] { loop->acConnected->setValue(connected); });
+}
+
+void PropertyServer::setDotsPerInch(std::uint32_t dots) {
+    asio::post(m_loop->context, [loop = m_loop.get(), dots] { loop->dotsPerInch->setValue(dots); });
+}

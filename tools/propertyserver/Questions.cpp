@@ -1,0 +1,134 @@
+#include "tools/propertyserver/Questions.h"
+
+#include "picl/PropertyReports.h"
+#include "property/PropertyKey.h"
+
+#include <iterator>
+#include <utility>
+
+namespace {
+
+constexpr char kBetween = '\n'; // no part of a GUID
+
+std::string idOf(std::string_view component, std::string_view rest) {
+    std::string id;
+    id.reserve(component.size() + 1 + rest.size());
+    id.append(component).push_back(kBetween);
+    return id.append(rest);
+}
+
+std::string idOf(const Question::Item& item) {
+    const PropertyGetRequest& request = item.request;
+    return item.kind == Question::Item::Kind::Group
+               ? idOf(request.component, request.group)
+               : idOf(request.component, fullKey(request.group, request.guid));
+}
+
+} // namespace
+
+SharedReport makeNotFound(const PropertyGetRequest& request) {
+    auto report = std::make_shared<Report>(PropertyGetResponse{});
+    report->component = request.component;
+    report->key = fullKey(request.group, request.guid);
+    report->record = notFoundReport(request);
+    return report;
+}
+
+void Questions::add(Question question, Clock::time_point now) {
+    const Place place = m_questions.insert(m_questions.end(), {std::move(question), 0, now + kPatience});
+    const std::vector<Question::Item>& items = place->question.items;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (items[i].report)
+            continue;
+        indexOf(items[i])[idOf(items[i])].push_back({place, i});
+        if (items[i].kind != Question::Item::Kind::Group)
+            ++place->open;
+    }
+    if (place->open == 0)
+        finish(place);
+}
+
+bool Questions::settle(const SharedReport& report) {
+    if (m_questions.empty())
+        return false;
+    if (!m_groups.empty())
+        collect(report);
+    const auto found = m_properties.find(idOf(report->component, report->key));
+    if (found == m_properties.end())
+        return false;
+    for (const Ref ref : found->second) {
+        if (!give(ref, report))
+            continue;
+        if (--ref.place->open == 0)
+            finish(ref.place);
+        return true;
+    }
+    return false;
+}
+
+// Returns whether the item had no report before.
+bool Questions::give(const Ref& ref, const SharedReport& report) {
+    return std::exchange(ref.place->question.items[ref.item].report, report) == nullptr;
+}
+
+void Questions::collect(const SharedReport& report) {
+    if (report->record.status == status::kNotFound)
+        return;
+    const auto found = m_groups.find(idOf(report->component, splitKey(report->key).groupGuid));
+    if (found == m_groups.end())
+        return;
+    for (const Ref& ref : found->second)
+        ref.place->question.items[ref.item].group[report->key] = report;
+}
+
+void Questions::settleGone(std::string_view component) {
+    for (auto place = m_questions.begin(); place != m_questions.end();) {
+        const Place next = std::next(place);
+        for (Question::Item& item : place->question.items) {
+            if (item.kind == Question::Item::Kind::Group || item.report ||
+                item.request.component != component)
+                continue;
+            item.report = makeNotFound(item.request);
+            --place->open;
+        }
+        if (place->open == 0)
+            finish(place);
+        place = next;
+    }
+}
+
+void Questions::forget(const Peer& asker) {
+    for (auto place = m_questions.begin(); place != m_questions.end();) {
+        const Place next = std::next(place);
+        if (place->question.asker == &asker) {
+            place->question.asker = nullptr;
+            finish(place);
+        }
+        place = next;
+    }
+}
+
+void Questions::expire(Clock::time_point now) {
+    while (!m_questions.empty() && m_questions.front().deadline <= now)
+        finish(m_questions.begin());
+}
+
+Questions::Index& Questions::indexOf(const Question::Item& item) {
+    return item.kind == Question::Item::Kind::Group ? m_groups : m_properties;
+}
+
+void Questions::finish(Place place) {
+    for (const Question::Item& item : place->question.items) {
+        Index& index = indexOf(item);
+        const auto found = index.find(idOf(item));
+        if (found == index.end())
+            continue;
+        std::erase_if(found->second, [&](const Ref& ref) { return ref.place == place; });
+        if (found->second.empty())
+            index.erase(found);
+    }
+    Waiting ended = std::move(*place);
+    m_questions.erase(place);
+    if (ended.question.asker != nullptr)
+        m_answer(ended.question);
+}
