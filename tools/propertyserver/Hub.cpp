@@ -43,7 +43,8 @@ public:
         m_question.order.push_back(place->second);
         if (!isNew)
             return m_question.order.size() <= kMostItems;
-        Question::Item item(request.guid.empty() ? Kind::Group : Kind::Property, std::move(request));
+        const Kind kind = request.guid.empty() ? Kind::Group : Kind::Property;
+        Question::Item item(kind, std::move(request));
         if (Directory::Program* program = connected(item.request.component))
             m_parts[program].add(item);
         else

@@ -10,14 +10,6 @@ void Outbox::send(std::string frame) {
     m_frames.push_back(std::move(frame));
 }
 
-void Outbox::answer(const std::vector<SharedReport>& reports, bool isForAll) {
-    if (!m_changes.empty()) {
-        for (const SharedReport& report : reports)
-            forget(report);
-    }
-    addFrames(reports, isForAll);
-}
-
 // The newest change is the last one: who reads it has the right order between properties too.
 void Outbox::publish(const SharedReport& report) {
     forget(report);
@@ -36,7 +28,7 @@ void Outbox::forget(const SharedReport& report) {
 std::string_view Outbox::next() {
     if (m_frames.empty() && !m_places.empty()) {
         m_places.clear();
-        addFrames(std::exchange(m_changes, {}), false);
+        answer(std::exchange(m_changes, {}), false);
     }
     return m_frames.empty() ? std::string_view() : std::string_view(m_frames.front()).substr(m_sent);
 }
@@ -50,7 +42,7 @@ void Outbox::sent(std::size_t count) {
     m_sent = 0;
 }
 
-void Outbox::addFrames(const std::vector<SharedReport>& reports, bool isForAll) {
+void Outbox::answer(const std::vector<SharedReport>& reports, bool isForAll) {
     JSONPICL message;
     ReportFrames frames(message, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
                         [this](JSONPICL& frame) {

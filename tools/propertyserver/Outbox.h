@@ -20,7 +20,7 @@ public:
     /// Adds a frame.
     void send(std::string frame);
 
-    /// Adds the frames of an answer. What was published on its properties goes: it is older.
+    /// Adds the frames of an answer. Changes that wait may be of its properties: they are no older.
     void answer(const std::vector<SharedReport>& reports, bool isForAll);
 
     /// Has @p report told, in place of an older one on its property.
@@ -45,7 +45,6 @@ private:
 
     static Id idOf(const SharedReport& report) { return {report->component, report->key}; }
     void forget(const SharedReport& report);
-    void addFrames(const std::vector<SharedReport>& reports, bool isForAll);
 
     std::deque<std::string> m_frames;
     std::size_t m_sent = 0; // of the first frame
