@@ -243,3 +243,8 @@ std::string escapeText(std::string_view text) {
     }
     return escaped;
 }
+
+void escapeInPlace(std::string& text) {
+    if (escapedSize(text) != text.size())
+        text = escapeText(text);
+}

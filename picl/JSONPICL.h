@@ -82,3 +82,6 @@ public:
 /// Returns @p text with the control bytes, the double quote and the backslash escaped as RFC 8259 section 7
 /// does; every other byte, a slash too, as it is.
 [[nodiscard]] std::string escapeText(std::string_view text);
+
+/// Escapes @p text itself, as escapeText() does.
+void escapeInPlace(std::string& text);

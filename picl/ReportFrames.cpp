@@ -30,14 +30,20 @@ ReportFrames::ReportFrames(JSONPICL& message, Kind kind, Send send)
 
 bool ReportFrames::add(PropertyGetResponses reports) {
     for (PropertyGetResponse& report : reports) {
-        const std::size_t size = textSize(report);
-        if (size > frame::kLargestText - kMessageSize)
-            continue;
-        if (m_textSize + size > frame::kLargestText && !sendFrame())
+        if (!add(std::move(report)))
             return false;
-        m_textSize += size;
-        m_reports->push_back(std::move(report));
     }
+    return m_sends;
+}
+
+bool ReportFrames::add(PropertyGetResponse report) {
+    const std::size_t size = textSize(report);
+    if (size > frame::kLargestText - kMessageSize)
+        return m_sends;
+    if (m_textSize + size > frame::kLargestText && !sendFrame())
+        return false;
+    m_textSize += size;
+    m_reports->push_back(std::move(report));
     return m_sends;
 }
 

@@ -21,9 +21,10 @@ public:
     /// Frames are built in @p message, which is emptied before. Requires: it outlives this object.
     ReportFrames(JSONPICL& message, Kind kind, Send send);
 
-    /// Takes @p reports, and sends the frames that are full. Returns false once a frame did not go out; then
+    /// Takes reports, and sends the frames that are full. Returns false once a frame did not go out; then
     /// nothing more is sent. Blocks as the stream does.
     bool add(PropertyGetResponses reports);
+    bool add(PropertyGetResponse report);
 
     /// Sends what is left, an empty list if nothing ever came. Returns whether all went out. Blocks as the
     /// stream does.

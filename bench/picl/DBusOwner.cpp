@@ -6,6 +6,8 @@
 #include <QDBusServer>
 #include <QObject>
 
+#include <optional>
+
 namespace {
 
 /// One object with as many properties as the owner over the protocol has.
@@ -65,17 +67,27 @@ public:
 
 } // namespace
 
-/// Owns the properties and answers at the address of the argument.
+/// Owns the properties and answers at the address of the first argument; where there is a second one, on the
+/// bus there, under this name.
 int main(int argc, char* argv[]) {
     const QCoreApplication application(argc, argv);
-    if (argc != 2)
+    if (argc < 2)
         return 2;
     Owner owner;
-    QDBusServer server(QString::fromLocal8Bit(argv[1]));
-    QObject::connect(&server, &QDBusServer::newConnection, &owner, [&owner](QDBusConnection connection) {
-        connection.registerObject(QStringLiteral("/properties"), &owner,
-                                  QDBusConnection::ExportAllProperties);
-    });
+    const QString address = QString::fromLocal8Bit(argv[1]);
+    const auto serveOn = [&owner](QDBusConnection connection) {
+        return connection.registerObject(QStringLiteral("/properties"), &owner,
+                                         QDBusConnection::ExportAllProperties);
+    };
+    std::optional<QDBusServer> server;
+    if (argc == 2) {
+        server.emplace(address);
+        QObject::connect(&*server, &QDBusServer::newConnection, &owner, serveOn);
+    } else {
+        QDBusConnection bus = QDBusConnection::connectToBus(address, QStringLiteral("bus"));
+        if (!serveOn(bus) || !bus.registerService(QString::fromLocal8Bit(argv[2])))
+            return 1;
+    }
     tellReady();
     return QCoreApplication::exec();
 }

@@ -9,8 +9,8 @@ namespace asio = boost::asio;
 
 namespace {
 
-// All connections are read through one buffer: an idle one holds none.
-std::array<char, 65536>& pieceBuffer() {
+// For what is more than a piece: an idle connection holds no large buffer.
+std::array<char, 65536>& commonBuffer() {
     static std::array<char, 65536> buffer;
     return buffer;
 }
@@ -39,37 +39,40 @@ void Connection::awaitBytes() {
     if (m_hasEnded || m_holds || m_isReading)
         return;
     m_isReading = true;
-    m_socket.async_wait(asio::socket_base::wait_read,
-                        [self = shared_from_this()](const boost::system::error_code& failure) {
-                            self->m_isReading = false;
-                            if (!failure)
-                                self->takeBytes();
-                        });
+    m_socket.async_read_some(
+        asio::buffer(m_piece),
+        [self = shared_from_this()](const boost::system::error_code& failure, std::size_t count) {
+            self->m_isReading = false;
+            if (failure)
+                self->endOf(failure);
+            else
+                self->takeBytes(count);
+        });
 }
 
-void Connection::takeBytes() {
-    if (m_hasEnded)
-        return;
+void Connection::takeBytes(std::size_t count) {
     const Clock::time_point begin = Clock::now();
-    if (!readPiece())
-        return;
+    if (!isInsideFrame())
+        m_lastWhole = begin;
+    m_reader.take({m_piece.data(), count});
+    if (count == m_piece.size())
+        readMore();
     takeMessages();
     if (isInsideFrame())
         m_handler.wait();
     rest(Clock::now() - begin);
 }
 
-bool Connection::readPiece() {
+// What else is there, up to a limit: the others have their turn.
+void Connection::readMore() {
     boost::system::error_code failure;
-    const std::size_t count = m_socket.read_some(asio::buffer(pieceBuffer()), failure);
-    if (failure && failure != asio::error::would_block) {
-        end(failure == asio::error::eof ? "has gone" : "has gone: " + failure.message());
-        return false;
-    }
-    if (!isInsideFrame())
-        m_lastWhole = Clock::now();
-    m_reader.take({pieceBuffer().data(), count});
-    return true;
+    const std::size_t count = m_socket.read_some(asio::buffer(commonBuffer()), failure);
+    if (!failure)
+        m_reader.take({commonBuffer().data(), count});
+}
+
+void Connection::endOf(const boost::system::error_code& failure) {
+    end(failure == asio::error::eof ? "has gone" : "has gone: " + failure.message());
 }
 
 void Connection::takeMessages() {

@@ -4,6 +4,7 @@
 #include "tools/propertyserver/Outbox.h"
 #include "tools/propertyserver/Peer.h"
 
+#include <array>
 #include <boost/asio/generic/stream_protocol.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
@@ -60,8 +61,9 @@ public:
 
 private:
     void awaitBytes();
-    void takeBytes();
-    [[nodiscard]] bool readPiece();
+    void takeBytes(std::size_t count);
+    void readMore();
+    void endOf(const boost::system::error_code& failure);
     void takeMessages();
     void rest(Clock::duration spent);
     void flush();
@@ -72,6 +74,7 @@ private:
     Socket m_socket;
     boost::asio::steady_timer m_rest;
     const Handler& m_handler;
+    std::array<char, 1024> m_piece{}; // a message as a rule
     FrameReader m_reader;
     Outbox m_outbox;
     Clock::time_point m_lastWhole; // when there was no part of a frame left

@@ -28,13 +28,6 @@ void tell(const std::vector<Peer*>& watchers, const SharedReport& report) {
 
 } // namespace
 
-Report::Report(PropertyGetResponse arrived)
-    : component(arrived.component), key(fullKey(arrived.group, arrived.guid)), record(std::move(arrived)) {
-    for (std::string* text : {&record.component, &record.componentString, &record.group, &record.groupString,
-                              &record.guid, &record.nameString, &record.status, &record.value})
-        *text = escapeText(*text);
-}
-
 Directory::Program* Directory::find(std::string_view component) {
     const auto found = m_programs.find(component);
     return found == m_programs.end() ? nullptr : &found->second;
@@ -51,7 +44,7 @@ Directory::Program* Directory::claim(Peer& peer, std::string_view component) {
 
 SharedReport Directory::remember(Program& program, const SharedReport& report, bool& taken) {
     const bool isGone = report->record.status == status::kNoLongerAvailable;
-    auto found = program.properties.find(report->key);
+    auto found = program.properties.find(report->key());
     const bool wasKnown = found != program.properties.end() && found->second.last;
     const std::size_t before = wasKnown ? sizeOf(found->second.last->record) : 0;
     const std::size_t after = isGone ? 0 : sizeOf(report->record);
@@ -60,7 +53,7 @@ SharedReport Directory::remember(Program& program, const SharedReport& report, b
     if (!taken || (isGone && !wasKnown))
         return nullptr;
     if (found == program.properties.end())
-        found = program.properties.try_emplace(report->key).first;
+        found = program.properties.try_emplace(std::string(report->key())).first;
     program.bytes = program.bytes - before + after;
     program.known = program.known - (wasKnown ? 1 : 0) + (isGone ? 0 : 1);
     SharedReport last = std::exchange(found->second.last, isGone ? nullptr : report);
@@ -90,11 +83,11 @@ void Directory::deliver(const Program& program, const SharedReport& report) cons
         if (watcher != program.owner)
             watcher->publish(report);
     }
-    if (const auto property = program.properties.find(report->key); property != program.properties.end())
+    if (const auto property = program.properties.find(report->key()); property != program.properties.end())
         tell(property->second.watchers, report);
     if (program.groupWatchers.empty())
         return;
-    if (const auto group = program.groupWatchers.find(splitKey(report->key).groupGuid);
+    if (const auto group = program.groupWatchers.find(splitKey(report->key()).groupGuid);
         group != program.groupWatchers.end())
         tell(group->second, report);
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 
 namespace {
@@ -13,12 +14,17 @@ namespace {
 constexpr std::size_t kLongestComponent = 64; // a GUID has 36
 constexpr std::string_view kNoGroup = "00000000-0000-0000-0000-000000000000";
 
-std::string quoted(const std::string& text) { return '"' + escapeText(text) + '"'; }
+// As a GUID is, and without what separates it from the property in an id.
+bool isComponent(std::string_view text) {
+    return !text.empty() && text.size() <= kLongestComponent && text.find('\n') == std::string_view::npos;
+}
 
-PropertyGetRequest escaped(const PropertyGetRequest& request) {
-    return {.component = escapeText(request.component),
-            .group = escapeText(request.group),
-            .guid = escapeText(request.guid)};
+std::string quoted(std::string_view text) { return '"' + escapeText(text) + '"'; }
+
+PropertyGetRequest escaped(PropertyGetRequest request) {
+    for (std::string* text : {&request.component, &request.group, &request.guid})
+        escapeInPlace(*text);
+    return request;
 }
 
 using Kind = Question::Item::Kind;
@@ -38,54 +44,56 @@ public:
 
     /// Adds an item. Returns whether there was room.
     [[nodiscard]] bool add(PropertyGetRequest request) {
-        const auto [place, isNew] = m_known.try_emplace(
-            request.component + '\n' + fullKey(request.group, request.guid), m_question.items.size());
-        m_question.order.push_back(place->second);
-        if (!isNew)
-            return m_question.order.size() <= kMostItems;
         const Kind kind = request.guid.empty() ? Kind::Group : Kind::Property;
         Question::Item item(kind, std::move(request));
-        if (Directory::Program* program = connected(item.request.component))
-            m_parts[program].add(item);
-        else
-            item.report = makeNotFound(item.request);
-        m_question.items.push_back(std::move(item));
+        const auto [place, isNew] = m_known.try_emplace(item.id, m_question.items.size());
+        m_question.order.push_back(place->second);
+        if (isNew) {
+            if (Directory::Program* program = connected(item.request.component))
+                m_parts[program].add(m_question.items.size(), kind);
+            else
+                item.report = makeNotFound(item.request);
+            m_question.items.push_back(std::move(item));
+        }
         return m_question.order.size() <= kMostItems;
     }
 
-    /// Returns the question. Whether a group is complete is known by a mark behind it.
-    [[nodiscard]] Question take() {
+    /// Puts a mark behind each group, by which it is known to be complete.
+    void mark() {
         for (auto& [program, part] : m_parts) {
             if (!part.hasGroup)
                 continue;
-            m_question.items.emplace_back(Kind::Mark, m_hub.nextMark(part.requests[0].component));
-            part.add(m_question.items.back());
+            const std::string component = m_question.items[part.items[0]].request.component;
+            part.add(m_question.items.size(), Kind::Mark);
+            m_question.items.emplace_back(Kind::Mark, m_hub.nextMark(component));
         }
-        return std::move(m_question);
     }
 
     void handOn() const {
         for (const auto& [program, part] : m_parts) {
             JSONPICL message;
-            for (const PropertyGetRequest& request : part.requests) {
+            for (const std::size_t i : part.items) {
+                PropertyGetRequest request = escaped(m_question.items[i].request);
                 if (part.subscribes)
-                    message.addSubscribeRequest(escaped(request));
+                    message.addSubscribeRequest(std::move(request));
                 else
-                    message.addGetRequest(escaped(request));
+                    message.addGetRequest(std::move(request));
             }
             program->isSubscribed |= part.subscribes;
             program->owner->send(message);
         }
     }
 
+    [[nodiscard]] Question take() { return std::move(m_question); }
+
 private:
     struct Part {
-        void add(const Question::Item& item) {
-            requests.push_back(item.request);
-            hasGroup |= item.kind == Kind::Group;
+        void add(std::size_t item, Kind kind) {
+            items.push_back(item);
+            hasGroup |= kind == Kind::Group;
         }
 
-        std::vector<PropertyGetRequest> requests;
+        std::vector<std::size_t> items;
         bool subscribes = false;
         bool hasGroup = false;
     };
@@ -97,7 +105,7 @@ private:
 
     Hub& m_hub;
     Question m_question;
-    std::map<std::string, std::size_t> m_known; // items by program and full key
+    std::unordered_map<std::string, std::size_t> m_known; // items by id
     std::map<Directory::Program*, Part> m_parts;
 };
 
@@ -191,7 +199,7 @@ void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer)
     bool isTaken = false;
     const SharedReport last = m_directory.remember(*program, report, isTaken);
     if (!isTaken && !std::exchange(member.isFull, true))
-        m_log("the program " + quoted(report->component) + " has more properties than are kept");
+        m_log("the program " + quoted(report->component()) + " has more properties than are kept");
     const bool isGone = report->record.status == status::kNoLongerAvailable;
     const bool isNews = last ? isGone || !isAnswer || last->record.value != report->record.value : !isGone;
     if (isTaken && isNews)
@@ -201,8 +209,7 @@ void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer)
 Directory::Program* Hub::programOf(Member& member, const std::string& component) {
     if (member.owned.find(component) != member.owned.end())
         return m_directory.find(component);
-    if (component.empty() || component.size() > kLongestComponent ||
-        member.wanted.find(component) != member.wanted.end() ||
+    if (!isComponent(component) || member.wanted.find(component) != member.wanted.end() ||
         member.owned.size() + member.wanted.size() >= kMostPrograms)
         return nullptr;
     Directory::Program* program = m_directory.claim(*member.peer, component);
@@ -239,8 +246,9 @@ void Hub::ask(Member& member, const JSONPICL& message, Questions::Clock::time_po
         member.peer->end("asked for too much");
         return;
     }
+    inquiry.mark();
+    inquiry.handOn(); // what is answered comes later
     enter(member, inquiry.take(), now);
-    inquiry.handOn();
 }
 
 // Returns whether that was within the limits.

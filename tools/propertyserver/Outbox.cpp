@@ -13,12 +13,12 @@ void Outbox::send(std::string frame) {
 // The newest change is the last one: who reads it has the right order between properties too.
 void Outbox::publish(const SharedReport& report) {
     forget(report);
-    m_places.emplace(idOf(report), m_changes.size());
+    m_places.emplace(report->id, m_changes.size());
     m_changes.push_back(report);
 }
 
 void Outbox::forget(const SharedReport& report) {
-    const auto place = m_places.find(idOf(report));
+    const auto place = m_places.find(report->id);
     if (place == m_places.end())
         return;
     m_changes[place->second] = nullptr;
@@ -51,7 +51,7 @@ void Outbox::answer(const std::vector<SharedReport>& reports, bool isForAll) {
                         });
     for (const SharedReport& report : reports) {
         if (report)
-            frames.add({report->record});
+            frames.add(PropertyGetResponse(report->record));
     }
     static_cast<void>(frames.finish()); // it goes into the queue
 }

@@ -36,19 +36,11 @@ public:
     [[nodiscard]] std::size_t bytes() const { return m_bytes; }
 
 private:
-    using Id = std::pair<std::string_view, std::string_view>; // component and key, of the report itself
-    struct IdHash {
-        std::size_t operator()(const Id& id) const {
-            return std::hash<std::string_view>()(id.second) ^ std::hash<std::string_view>()(id.first) << 1U;
-        }
-    };
-
-    static Id idOf(const SharedReport& report) { return {report->component, report->key}; }
     void forget(const SharedReport& report);
 
     std::deque<std::string> m_frames;
     std::size_t m_sent = 0; // of the first frame
     std::size_t m_bytes = 0;
-    std::vector<SharedReport> m_changes;                  // absent where a change was superseded
-    std::unordered_map<Id, std::size_t, IdHash> m_places; // of the changes
+    std::vector<SharedReport> m_changes;                        // absent where a change was superseded
+    std::unordered_map<std::string_view, std::size_t> m_places; // of the changes, by their own ids
 };

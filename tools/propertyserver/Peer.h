@@ -12,12 +12,16 @@ struct Report {
     /// Takes a report as it was read.
     explicit Report(PropertyGetResponse arrived);
 
-    /// As it was read: the program, and the group and GUID of the property as their full key.
-    std::string component;
-    std::string key;
+    [[nodiscard]] std::string_view component() const;
+    [[nodiscard]] std::string_view key() const; ///< The full key: group and GUID.
 
+    std::string id;             ///< idOf() component and full key, as they were read.
     PropertyGetResponse record; ///< Ready to leave: escaped.
 };
+
+/// Returns what identifies a property, or a group, among all programs.
+[[nodiscard]] std::string idOf(std::string_view component, std::string_view groupGuid, std::string_view guid);
+[[nodiscard]] std::string idOf(std::string_view component, std::string_view groupGuid);
 
 using SharedReport = std::shared_ptr<const Report>;
 

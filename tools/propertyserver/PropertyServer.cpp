@@ -26,6 +26,7 @@ namespace asio = boost::asio;
 namespace {
 
 using asio::ip::tcp;
+using Clock = Questions::Clock;
 using Device = asio::local::stream_protocol;
 
 // How long after its time an answer that does not come, or a frame that stays a part, is noticed.

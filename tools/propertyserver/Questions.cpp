@@ -6,30 +6,9 @@
 #include <iterator>
 #include <utility>
 
-namespace {
-
-constexpr char kBetween = '\n'; // no part of a GUID
-
-std::string idOf(std::string_view component, std::string_view rest) {
-    std::string id;
-    id.reserve(component.size() + 1 + rest.size());
-    id.append(component).push_back(kBetween);
-    return id.append(rest);
-}
-
-std::string idOf(const Question::Item& item) {
-    const PropertyGetRequest& request = item.request;
-    return item.kind == Question::Item::Kind::Group
-               ? idOf(request.component, request.group)
-               : idOf(request.component, fullKey(request.group, request.guid));
-}
-
-} // namespace
-
 SharedReport makeNotFound(const PropertyGetRequest& request) {
     auto report = std::make_shared<Report>(PropertyGetResponse{});
-    report->component = request.component;
-    report->key = fullKey(request.group, request.guid);
+    report->id = idOf(request.component, request.group, request.guid);
     report->record = notFoundReport(request);
     return report;
 }
@@ -40,7 +19,7 @@ void Questions::add(Question question, Clock::time_point now) {
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (items[i].report)
             continue;
-        indexOf(items[i])[idOf(items[i])].push_back({place, i});
+        indexOf(items[i])[items[i].id].push_back({place, i});
         if (items[i].kind != Question::Item::Kind::Group)
             ++place->open;
     }
@@ -53,7 +32,7 @@ bool Questions::settle(const SharedReport& report) {
         return false;
     if (!m_groups.empty())
         collect(report);
-    const auto found = m_properties.find(idOf(report->component, report->key));
+    const auto found = m_properties.find(report->id);
     if (found == m_properties.end())
         return false;
     for (const Ref ref : found->second) {
@@ -74,11 +53,11 @@ bool Questions::give(const Ref& ref, const SharedReport& report) {
 void Questions::collect(const SharedReport& report) {
     if (report->record.status == status::kNotFound)
         return;
-    const auto found = m_groups.find(idOf(report->component, splitKey(report->key).groupGuid));
+    const auto found = m_groups.find(idOf(report->component(), splitKey(report->key()).groupGuid));
     if (found == m_groups.end())
         return;
     for (const Ref& ref : found->second)
-        ref.place->question.items[ref.item].group[report->key] = report;
+        ref.place->question.items[ref.item].group[std::string(report->key())] = report;
 }
 
 void Questions::settleGone(std::string_view component) {
@@ -120,7 +99,7 @@ Questions::Index& Questions::indexOf(const Question::Item& item) {
 void Questions::finish(Place place) {
     for (const Question::Item& item : place->question.items) {
         Index& index = indexOf(item);
-        const auto found = index.find(idOf(item));
+        const auto found = index.find(item.id);
         if (found == index.end())
             continue;
         std::erase_if(found->second, [&](const Ref& ref) { return ref.place == place; });

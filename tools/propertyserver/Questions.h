@@ -20,10 +20,15 @@ struct Question {
     struct Item {
         enum class Kind { Property, Group, Mark };
 
-        Item(Kind theKind, PropertyGetRequest theRequest) : kind(theKind), request(std::move(theRequest)) {}
+        Item(Kind theKind, PropertyGetRequest theRequest)
+            : kind(theKind),
+              request(std::move(theRequest)),
+              id(kind == Kind::Group ? idOf(request.component, request.group)
+                                     : idOf(request.component, request.group, request.guid)) {}
 
         Kind kind;
         PropertyGetRequest request;
+        std::string id;                            ///< Of the property or the group.
         SharedReport report;                       ///< On the property, as soon as there is one.
         std::map<std::string, SharedReport> group; ///< On the properties of the group, by full key.
     };
@@ -90,8 +95,8 @@ private:
 
     const Answer m_answer;
     std::list<Waiting> m_questions; // the oldest first
-    Index m_properties;             // who waits, by program and full key; the oldest first
-    Index m_groups;                 // by program and group
+    Index m_properties;             // who waits, by id; the oldest first
+    Index m_groups;
 };
 
 /// Returns the report that says that there is no property such as @p request asks for.
