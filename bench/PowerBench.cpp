@@ -5,13 +5,13 @@
 #include "app/UpgradeMessage.h"
 #include "picl/JSONPICL.h"
 #include "picl/PICLIF.h"
+#include "platform/HandleStream.h"
 #include "platform/SimpleEvent.h"
 #include "platform/ThreadFactory.h"
 #include "platform/os/DeviceRoot.h"
 #include "platform/os/LocalListener.h"
 #include "property/PropertyVocabulary.h"
 #include "property/PublishingPropertyManager.h"
-#include "tools/firmware/HandleStream.h"
 #include "tools/upgrader/UpgraderLink.h"
 
 #include <atomic>

@@ -160,7 +160,7 @@ void waitForAll(std::deque<Watcher>& watchers, const std::string& value) {
 }
 
 /// Writes each change as a message of its own, round after round over all properties.
-void change(SocketStream& member, std::size_t first) {
+void change(HandleStream& member, std::size_t first) {
     for (std::size_t i = 0; i < kChanges; ++i) {
         auto report = std::make_unique<PropertyGetResponses>();
         report->push_back(reportOf(i % kChanging, first + i / kChanging));
@@ -173,7 +173,7 @@ void change(SocketStream& member, std::size_t first) {
 // From the first change to the moment at which the last watcher has the last value of the last property.
 void changesToWatchers(benchmark::State& state) {
     static const Server server;
-    SocketStream member(server.connect());
+    HandleStream member(server.connect());
     std::deque<Watcher> watchers;
     for (std::size_t i = 0; i < kWatchers; ++i)
         watchers.emplace_back(server.connect());

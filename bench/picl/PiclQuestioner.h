@@ -3,7 +3,7 @@
 #include "bench/TemporaryRoot.h"
 #include "bench/picl/OwnedProperties.h"
 #include "bench/picl/OwnerProgram.h"
-#include "bench/picl/SocketStream.h"
+#include "platform/HandleStream.h"
 
 #include "picl/JSONPICL.h"
 #include "platform/os/LocalListener.h"
@@ -44,7 +44,7 @@ public:
     }
 
 private:
-    SocketStream m_stream;
+    HandleStream m_stream;
 };
 
 /// An owner of @p count properties that is asked directly, over its device.

@@ -9,7 +9,7 @@
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/PrinterDevice.h"
-#include "tools/firmware/HandleStream.h"
+#include "platform/HandleStream.h"
 #include "json/JSONImporterExporter.h"
 
 #include <atomic>

@@ -7,7 +7,7 @@
 #include "property/UInt32Property.h"
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/PrinterDevice.h"
-#include "tools/firmware/HandleStream.h"
+#include "platform/HandleStream.h"
 #include "tools/upgrader/UpgraderLink.h"
 
 #include <atomic>

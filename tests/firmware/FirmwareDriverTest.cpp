@@ -56,12 +56,14 @@ TEST_F(FirmwareDriverTest, ItsValuesAndTheirChangesReachTheMirrorsOfWhoConnects)
     EXPECT_TRUE(std::filesystem::is_empty(root() / "store"));
 }
 
-TEST_F(FirmwareDriverTest, ALaterConnectionTakesThePlaceOfAnEarlierOne) {
-    const auto driver = create();
+TEST_F(FirmwareDriverTest, AFirmwareThatComesBackIsFoundByWhoConnectsThen) {
+    auto driver = create();
     const auto first = connect();
     ASSERT_TRUE(acConnectedOf(*first));
-    const auto second = connect();
+    driver.reset();
     first->awaitEndOfReading();
+    driver = create();
+    const auto second = connect();
     const auto acConnected = acConnectedOf(*second);
     ASSERT_TRUE(acConnected);
     driver->setACConnected(true);

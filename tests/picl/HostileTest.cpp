@@ -2,7 +2,7 @@
 #include "tests/picl/Member.h"
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/FaultyStream.h"
-#include "tools/firmware/HandleStream.h"
+#include "platform/HandleStream.h"
 #include "json/JSONImporterExporter.h"
 
 #include <sys/socket.h>

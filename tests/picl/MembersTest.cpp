@@ -5,7 +5,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/DeviceRootTest.h"
 #include "tests/support/PrinterDevice.h"
-#include "tools/firmware/HandleStream.h"
+#include "platform/HandleStream.h"
 
 #include <condition_variable>
 #include <cstring>
