@@ -189,6 +189,12 @@ void JSONPICL::addGetResponses(std::unique_ptr<PropertyGetResponses> responses) 
     setItems(m_object, keys::kGetResponses, *responses);
 }
 
+void JSONPICL::startGetResponses() { m_object[keys::kGetResponses] = JSONArray(); }
+
+void JSONPICL::addGetResponse(PropertyGetResponse response) {
+    appendItem(m_object, keys::kGetResponses, std::move(response));
+}
+
 void JSONPICL::addGetAllPropertiesResponse() { m_object[keys::kGetAllResponse] = true; }
 
 void JSONPICL::addDisconnect() { m_object[keys::kDisconnect] = "True"; }

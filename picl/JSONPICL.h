@@ -50,6 +50,12 @@ public:
     /// Replaces the reports by @p responses, in their order. Requires: their values are escaped.
     void addGetResponses(std::unique_ptr<PropertyGetResponses> responses);
 
+    /// Sets an empty list of reports.
+    void startGetResponses();
+
+    /// Appends one report to those that stand there. Requires: its value is escaped.
+    void addGetResponse(PropertyGetResponse response);
+
     /// Marks the reports as the answer to a question for all properties.
     void addGetAllPropertiesResponse();
 

@@ -22,11 +22,17 @@ std::size_t textSize(const PropertyGetResponse& report) {
 } // namespace
 
 ReportFrames::ReportFrames(JSONPICL& message, Kind kind, Send send)
-    : m_message(message),
-      m_kind(kind),
-      m_send(std::move(send)),
-      m_reports(std::make_unique<PropertyGetResponses>()),
-      m_textSize(kMessageSize) {}
+    : m_message(message), m_kind(kind), m_send(std::move(send)) {
+    begin();
+}
+
+void ReportFrames::begin() {
+    m_message.clear();
+    m_message.startGetResponses();
+    if (m_kind == Kind::GetAllAnswer)
+        m_message.addGetAllPropertiesResponse();
+    m_textSize = kMessageSize;
+}
 
 bool ReportFrames::add(PropertyGetResponses reports) {
     for (PropertyGetResponse& report : reports) {
@@ -38,23 +44,19 @@ bool ReportFrames::add(PropertyGetResponses reports) {
 
 bool ReportFrames::add(PropertyGetResponse report) {
     const std::size_t size = textSize(report);
-    if (size > frame::kLargestText - kMessageSize)
+    if (!m_sends || size > frame::kLargestText - kMessageSize)
         return m_sends;
-    if (m_textSize + size > frame::kLargestText && !sendFrame())
-        return false;
+    if (m_textSize + size > frame::kLargestText) {
+        if (!finish())
+            return false;
+        begin();
+    }
     m_textSize += size;
-    m_reports->push_back(std::move(report));
+    m_message.addGetResponse(std::move(report));
     return m_sends;
 }
 
-bool ReportFrames::finish() { return sendFrame(); }
-
-bool ReportFrames::sendFrame() {
-    m_message.clear();
-    m_message.addGetResponses(std::exchange(m_reports, std::make_unique<PropertyGetResponses>()));
-    if (m_kind == Kind::GetAllAnswer)
-        m_message.addGetAllPropertiesResponse();
-    m_textSize = kMessageSize;
+bool ReportFrames::finish() {
     m_sends = m_sends && m_send(m_message);
     return m_sends;
 }

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <memory>
 
 /// Reports on their way into frames, of which each stays within what the other side accepts.
 ///
@@ -31,12 +30,11 @@ public:
     [[nodiscard]] bool finish();
 
 private:
-    bool sendFrame();
+    void begin();
 
     JSONPICL& m_message;
     const Kind m_kind;
     const Send m_send;
-    std::unique_ptr<PropertyGetResponses> m_reports;
-    std::size_t m_textSize; // of the frame that m_reports make
+    std::size_t m_textSize = 0; // of the frame that the message makes
     bool m_sends = true;
 };
