@@ -27,7 +27,9 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS
     "systemd | systemd-standalone-sysusers | systemd-sysusers"
     "systemd | systemd-standalone-tmpfiles | systemd-tmpfiles")
 list(JOIN CPACK_DEBIAN_PACKAGE_DEPENDS ", " CPACK_DEBIAN_PACKAGE_DEPENDS)
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS udev) # gives display and touch panel to the groups that the user is in
+# The first gives display and touch panel to the groups that the user is in; with the second the titles have a bold face
+# that is drawn, not calculated.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "udev, fonts-liberation")
 
 set(control "${CMAKE_CURRENT_BINARY_DIR}/debian")
 foreach(script postinst prerm postrm)
