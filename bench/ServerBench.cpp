@@ -112,7 +112,7 @@ public:
     explicit Watcher(os::Descriptor socket) : m_socket(std::move(socket)) {
         JSONPICL message;
         message.addSubscribeAll();
-        const std::string frame = frameOf(message);
+        const std::string frame = message.toFrame();
         require(::write(m_socket.value(), frame.data(), frame.size()) == static_cast<ssize_t>(frame.size()),
                 "the server does not listen");
     }

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr std::size_t kUsualSize = 512; // of a frame with one report
+
 void appendHeader(std::string& frame) {
     frame.append(frame::kMagic.begin(), frame::kMagic.end());
     frame.append(frame::kLengthSize, '\0');
@@ -43,14 +45,20 @@ std::uint32_t frame::textLength(std::string_view header) {
     return length;
 }
 
-bool JSONImporterExporter::exportTo(Stream& stream) {
+std::string JSONImporterExporter::toFrame() const {
     std::string frame;
+    frame.reserve(kUsualSize);
     appendHeader(frame);
     {
         const KeltoGuard guard(jsonEngineLock);
         appendObject(frame, m_object);
     }
     fillInLength(frame);
+    return frame;
+}
+
+bool JSONImporterExporter::exportTo(Stream& stream) {
+    const std::string frame = toFrame();
     return stream.write(frame.data(), static_cast<std::int32_t>(frame.size())) ==
            static_cast<std::int32_t>(frame.size());
 }

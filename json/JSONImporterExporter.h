@@ -38,6 +38,9 @@ public:
     /// have. Blocks as the stream does.
     [[nodiscard]] virtual bool exportTo(Stream& stream);
 
+    /// Returns the object as one frame, as it travels.
+    [[nodiscard]] std::string toFrame() const;
+
     /// Reads one frame and takes its object. Returns false where the stream ends or fails before the frame
     /// does, where the text is empty or longer than the limit, or where it is no JSON object; then the stream
     /// may be out of step with its frames. The magic is not looked at. Blocks as the stream does.

@@ -30,24 +30,6 @@ private:
     std::string_view m_text;
 };
 
-/// Keeps what is written.
-class KeepingStream final : public Stream {
-public:
-    std::int32_t read(void* /*buffer*/, std::int32_t /*size*/) override { return StreamAtEnd; }
-
-    std::int32_t write(const void* buffer, std::int32_t size) override {
-        m_text.append(static_cast<const char*>(buffer), static_cast<std::size_t>(size));
-        return size;
-    }
-
-    void close() override {}
-
-    [[nodiscard]] std::string take() { return std::move(m_text); }
-
-private:
-    std::string m_text;
-};
-
 } // namespace
 
 void FrameReader::take(std::string_view bytes) {
@@ -71,10 +53,4 @@ FrameReader::Result FrameReader::next(JSONPICL& message) {
         m_read = 0;
     }
     return Result::Message;
-}
-
-std::string frameOf(JSONPICL& message) {
-    KeepingStream stream;
-    static_cast<void>(message.exportTo(stream)); // it keeps all
-    return stream.take();
 }

@@ -30,6 +30,3 @@ private:
     std::string m_bytes;
     std::size_t m_read = 0; // of m_bytes, in messages that were handed out
 };
-
-/// Returns @p message as it travels.
-[[nodiscard]] std::string frameOf(JSONPICL& message);

@@ -119,7 +119,7 @@ bool Connection::isStuck(Clock::time_point now) const {
 void Connection::send(JSONPICL& message) {
     if (m_hasEnded)
         return;
-    m_outbox.send(frameOf(message));
+    m_outbox.send(message.toFrame());
     flush();
     limit();
 }

@@ -22,13 +22,13 @@ void LocalProgram::report(const Property& property) const {
     appendReport(*reports, property, status::kSuccessful, *m_component);
     JSONPICL message;
     message.addGetResponses(std::move(reports));
-    m_say(frameOf(message));
+    m_say(message.toFrame());
 }
 
 // Read as it would be at the other end of a connection: what leaves is escaped, what arrives is not.
 void LocalProgram::send(JSONPICL& message) {
     FrameReader reader;
-    reader.take(frameOf(message));
+    reader.take(message.toFrame());
     JSONPICL received;
     if (reader.next(received) != FrameReader::Result::Message)
         return;
@@ -56,5 +56,5 @@ void LocalProgram::answer(const JSONPICL& message) const {
         });
     }
     answer.addGetResponses(std::move(reports));
-    m_say(frameOf(answer));
+    m_say(answer.toFrame());
 }

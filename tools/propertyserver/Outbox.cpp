@@ -46,7 +46,7 @@ void Outbox::answer(const std::vector<SharedReport>& reports, bool isForAll) {
     JSONPICL message;
     ReportFrames frames(message, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
                         [this](JSONPICL& frame) {
-                            send(frameOf(frame));
+                            send(frame.toFrame());
                             return true;
                         });
     for (const SharedReport& report : reports) {
