@@ -1,0 +1,125 @@
+#include "tools/picl/CommandSupport.h"
+
+#include "tools/picl/VisibleText.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <utility>
+
+namespace {
+
+constexpr std::string_view kListHint = "; see \"picl list\"";
+
+// Where a name is only like others.
+void complainOfMissing(const std::string& sentence, const std::vector<std::string>& closest) {
+    if (closest.empty())
+        complain(sentence + std::string(kListHint));
+    else
+        complain(sentence + "; did you mean", closest);
+}
+
+/// Returns component GUID and name of each program.
+std::map<std::string, std::string> programsOf(const Properties& properties) {
+    std::map<std::string, std::string> programs;
+    for (const PropertyGetResponse& property : properties)
+        programs.emplace(property.component, property.componentString);
+    return programs;
+}
+
+template <typename Matches>
+std::vector<std::string> componentsThat(const std::map<std::string, std::string>& programs,
+                                        const Matches& matches) {
+    std::vector<std::string> found;
+    for (const auto& [guid, name] : programs) {
+        if (matches(guid) || matches(name))
+            found.push_back(guid);
+    }
+    return found;
+}
+
+} // namespace
+
+CLI::Option* addNames(CLI::App& command, std::vector<std::string>& names) {
+    // One by one: a list of them in brackets is a name as well.
+    const auto add = [&names](const std::string& name) { names.push_back(name); };
+    return command.add_option_function<std::string>("NAME", add, "A property, see below")
+        ->type_name("")
+        ->expected(1, -1)
+        ->trigger_on_parse();
+}
+
+void complain(std::string_view sentence, const std::vector<std::string>& choices) {
+    std::cerr << "picl: " << visibleText(sentence) << (choices.empty() ? "\n" : ":\n");
+    for (const std::string& choice : choices)
+        std::cerr << "  " << visibleText(choice) << '\n';
+}
+
+std::unique_ptr<PropertySession> openSession(const CommonOptions& options) {
+    std::string why;
+    std::unique_ptr<PropertySession> session = PropertySession::open(options.place, options.patience, why);
+    if (!session)
+        complain(why);
+    return session;
+}
+
+std::optional<Snapshot> takeSnapshot(const CommonOptions& options) {
+    Snapshot snapshot{.session = openSession(options), .properties = {}};
+    if (!snapshot.session)
+        return {};
+    std::optional<Properties> properties = snapshot.session->all();
+    if (!properties) {
+        complain(snapshot.session->why());
+        return {};
+    }
+    snapshot.properties = std::move(*properties);
+    return snapshot;
+}
+
+const PropertyGetResponse* findProperty(const PropertyNames& names, const std::string& name) {
+    const std::vector<const PropertyGetResponse*> found = names.find(name);
+    if (found.size() == 1)
+        return found.front();
+    if (found.empty()) {
+        complainOfMissing("there is no property " + inQuotes(name), names.closest(name));
+        return nullptr;
+    }
+    std::vector<std::string> candidates;
+    for (const PropertyGetResponse* candidate : found)
+        candidates.push_back(names.uniqueSpelling(*candidate));
+    complain(inQuotes(name) + " is ambiguous; say one of", candidates);
+    return nullptr;
+}
+
+std::optional<std::string> findProgram(const Properties& properties, const std::string& program) {
+    const std::map<std::string, std::string> programs = programsOf(properties);
+    std::vector<std::string> found =
+        componentsThat(programs, [&](const std::string& text) { return text == program; });
+    if (found.empty())
+        found = componentsThat(
+            programs, [&](const std::string& text) { return withoutCase(text) == withoutCase(program); });
+    if (found.size() == 1)
+        return found.front();
+    if (!found.empty()) {
+        complain(inQuotes(program) + " is ambiguous; say the GUID of one", found);
+        return {};
+    }
+    std::vector<std::string> names;
+    for (const auto& [guid, name] : programs)
+        names.push_back(name);
+    complainOfMissing("there is no program " + inQuotes(program), closestOf(std::move(names), program));
+    return {};
+}
+
+const PropertyGetResponse* checkAnswer(const std::optional<PropertyGetResponse>& answer,
+                                       const std::string& name) {
+    if (!answer)
+        complain("the program of " + inQuotes(name) + " does not answer; wait for longer with --timeout");
+    else if (answer->status != status::kSuccessful)
+        complain(inQuotes(name) + " is not there any more" + std::string(kListHint));
+    else
+        return &*answer;
+    return nullptr;
+}
+
+std::string inQuotes(std::string_view text) { return '"' + std::string(text) + '"'; }

@@ -1,0 +1,6 @@
+#pragma once
+
+class CommandLine;
+
+/// Adds "picl dump" to @p line.
+void addDumpCommand(CommandLine& line);

@@ -1,0 +1,6 @@
+#pragma once
+
+class CommandLine;
+
+/// Adds "picl load" to @p line.
+void addLoadCommand(CommandLine& line);

@@ -1,0 +1,21 @@
+#include "tools/picl/PropertySetting.h"
+
+#include "tools/picl/PropertyType.h"
+
+Setting judge(const PropertyGetResponse& before, std::string_view value, const PropertyGetResponse& after) {
+    const PropertyType type = typeOf(after.guid);
+    if (type == PropertyType::Trigger)
+        return Setting::Fired;
+    if (meanTheSame(type, value, after.value))
+        return Setting::Taken;
+    return after.value == before.value ? Setting::Refused : Setting::Changed;
+}
+
+bool isTaken(Setting setting) { return setting == Setting::Taken || setting == Setting::Fired; }
+
+std::string sentenceFor(Setting setting, std::string_view name, const PropertyGetResponse& after) {
+    const bool isRefused = setting == Setting::Refused;
+    return std::string(name) +
+           (isRefused ? " was refused; it is still \"" : " was not taken as it is; it is now \"") +
+           after.value + '"';
+}

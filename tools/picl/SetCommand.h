@@ -1,0 +1,6 @@
+#pragma once
+
+class CommandLine;
+
+/// Adds "picl set" to @p line.
+void addSetCommand(CommandLine& line);

@@ -1,0 +1,49 @@
+#include "tools/picl/CommandLine.h"
+#include "tools/picl/CompleteCommand.h"
+#include "tools/picl/DumpCommand.h"
+#include "tools/picl/GetCommand.h"
+#include "tools/picl/ListCommand.h"
+#include "tools/picl/LoadCommand.h"
+#include "tools/picl/SetCommand.h"
+#include "tools/picl/WatchCommand.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+
+namespace {
+
+/// Returns @p status, or that of a failure where what was printed did not get out.
+int finish(int status) {
+    errno = 0;
+    if (std::cout.flush())
+        return status;
+    if (errno != EPIPE && errno != 0) // nobody reads any more: that is no error
+        std::perror("picl: cannot print");
+    return kFailed;
+}
+
+int run(int argc, char* argv[]) {
+    CommandLine line;
+    addListCommand(line);
+    addGetCommand(line);
+    addSetCommand(line);
+    addWatchCommand(line);
+    addDumpCommand(line);
+    addLoadCommand(line);
+    addCompleteCommand(line);
+    // Here "picl serve" is added.
+    return finish(line.run(argc, argv));
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "picl: %s\n", error.what());
+        return kFailed;
+    }
+}
