@@ -41,12 +41,7 @@ std::vector<std::string> componentsThat(const std::map<std::string, std::string>
 } // namespace
 
 CLI::Option* addNames(CLI::App& command, std::vector<std::string>& names) {
-    // One by one: a list of them in brackets is a name as well.
-    const auto add = [&names](const std::string& name) { names.push_back(name); };
-    return command.add_option_function<std::string>("NAME", add, "A property, see below")
-        ->type_name("")
-        ->expected(1, -1)
-        ->trigger_on_parse();
+    return command.add_option("NAME", names, "A property, see below")->type_name("")->expected(1, -1);
 }
 
 void complain(std::string_view sentence, const std::vector<std::string>& choices) {
@@ -86,7 +81,7 @@ const PropertyGetResponse* findProperty(const PropertyNames& names, const std::s
     }
     std::vector<std::string> candidates;
     for (const PropertyGetResponse* candidate : found)
-        candidates.push_back(names.uniqueSpelling(*candidate));
+        candidates.push_back(names.uniqueSpellings(*candidate).front());
     complain(inQuotes(name) + " is ambiguous; say one of", candidates);
     return nullptr;
 }

@@ -127,17 +127,13 @@ void addDumpCommand(CommandLine& line) {
         ->required();
     command.add_option("-o,--output", arguments->file, "Write to this file (default: the standard output)")
         ->type_name("FILE");
-    const auto addGroup = [arguments](const std::string& group) { arguments->groups.push_back(group); };
     CLI::Option* group =
         command
-            .add_option_function<std::string>(
-                "--group", addGroup,
-                "Instead of the groups whose names end in \"Preferences\" this one, by name or "
-                "GUID; may be repeated")
+            .add_option("--group", arguments->groups,
+                        "Instead of the groups whose names end in \"Preferences\" this one, by name or GUID; "
+                        "may be repeated")
             ->type_name("NAME")
-            ->expected(1)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-            ->trigger_on_parse();
+            ->allow_extra_args(false);
     command.add_flag("--all", arguments->all, "All groups")->excludes(group);
     command.footer("Triggers are left out. \"picl load\" reads the document.\n"
                    "Exit status: 0 done; 1 not found, no answer or no server; 2 bad arguments.");

@@ -67,7 +67,7 @@ bool setOne(PropertySession& session, const PropertyGetResponse& before, const s
         tellChange(before, after->value, true);
     } else if (after->status == status::kSuccessful) {
         ++tally.refused;
-        complain(sentenceFor(setting, shortName(before), *after));
+        complain(sentenceFor(setting, shortName(before), value, *after));
     } else {
         ++tally.missing;
         complain(shortName(before) + " is not there any more");

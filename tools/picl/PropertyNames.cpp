@@ -79,12 +79,13 @@ std::vector<const PropertyGetResponse*> PropertyNames::lookUp(const Index& index
     return found;
 }
 
-std::string PropertyNames::uniqueSpelling(const PropertyGetResponse& property) const {
-    std::array<std::string, 6> spellings = spellingsOf(property);
-    const auto unique = std::ranges::find_if(spellings, [this](const std::string& spelling) {
-        return !spelling.empty() && find(spelling).size() == 1;
-    });
-    return std::move(unique == spellings.end() ? spellings.back() : *unique);
+std::vector<std::string> PropertyNames::uniqueSpellings(const PropertyGetResponse& property) const {
+    std::vector<std::string> unique;
+    for (std::string& spelling : spellingsOf(property)) {
+        if (!spelling.empty() && find(spelling).size() == 1)
+            unique.push_back(std::move(spelling));
+    }
+    return unique;
 }
 
 std::vector<std::string> PropertyNames::closest(std::string_view name) const {
@@ -100,7 +101,7 @@ std::vector<std::string> PropertyNames::closest(std::string_view name) const {
     for (const std::string& candidate : closestOf(std::move(candidates), name)) {
         const auto [begin, end] = byShape.equal_range(candidate);
         for (auto entry = begin; entry != end; ++entry)
-            spellings.push_back(uniqueSpelling(*entry->second));
+            spellings.push_back(uniqueSpellings(*entry->second).front());
     }
     spellings.resize(std::min(spellings.size(), kMostSuggestions));
     return spellings;

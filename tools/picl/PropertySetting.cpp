@@ -13,9 +13,14 @@ Setting judge(const PropertyGetResponse& before, std::string_view value, const P
 
 bool isTaken(Setting setting) { return setting == Setting::Taken || setting == Setting::Fired; }
 
-std::string sentenceFor(Setting setting, std::string_view name, const PropertyGetResponse& after) {
-    const bool isRefused = setting == Setting::Refused;
-    return std::string(name) +
-           (isRefused ? " was refused; it is still \"" : " was not taken as it is; it is now \"") +
-           after.value + '"';
+std::string sentenceFor(Setting setting, std::string_view name, std::string_view value,
+                        const PropertyGetResponse& after) {
+    const std::string_view outcome =
+        setting == Setting::Refused ? "was refused; it is still" : "was not taken as it is; it is now";
+    std::string sentence(name);
+    for (const std::string_view part :
+         {std::string_view(": \""), value, std::string_view("\" "), outcome, std::string_view(" \""),
+          std::string_view(after.value), std::string_view("\"")})
+        sentence += part;
+    return sentence;
 }

@@ -20,6 +20,6 @@ enum class Setting {
 /// Returns whether its owner did what was asked for.
 [[nodiscard]] bool isTaken(Setting setting);
 
-/// Returns a sentence about the property called @p name that was not taken.
-[[nodiscard]] std::string sentenceFor(Setting setting, std::string_view name,
+/// Returns a sentence about the property called @p name that did not take @p value.
+[[nodiscard]] std::string sentenceFor(Setting setting, std::string_view name, std::string_view value,
                                       const PropertyGetResponse& after);

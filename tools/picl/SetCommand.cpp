@@ -44,7 +44,7 @@ int tell(const CommonOptions& options, const Arguments& arguments, const Propert
          const PropertyGetResponse& after) {
     const Setting setting = judge(before, arguments.value, after);
     if (!isTaken(setting)) {
-        complain(sentenceFor(setting, inQuotes(arguments.name), after));
+        complain(sentenceFor(setting, arguments.name, arguments.value, after));
         return kFailed;
     }
     if (options.json)

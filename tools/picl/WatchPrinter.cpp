@@ -29,22 +29,37 @@ constexpr std::array<ChangeWords, 5> kWords{{
     {"back", " is back = "},
 }};
 
-/// Returns the local time of this moment with milliseconds; @p form and @p behind are of strftime().
-std::string localTime(const char* form, const char* behind = "") {
+struct LocalTime {
+    std::tm calendar{};
+    int milliseconds = 0;
+};
+
+LocalTime localTime() {
     const auto now = std::chrono::system_clock::now();
     const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-    const auto milliseconds =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-    std::tm local{};
-    ::localtime_r(&seconds, &local);
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
+    LocalTime time{.calendar = {}, .milliseconds = static_cast<int>(sinceEpoch.count() % 1000)};
+    ::localtime_r(&seconds, &time.calendar);
+    return time;
+}
+
+std::string timeOfDay(const LocalTime& time) {
     std::ostringstream text;
-    text << std::put_time(&local, form) << '.' << std::setfill('0') << std::setw(3) << milliseconds
-         << std::put_time(&local, behind);
+    text << std::put_time(&time.calendar, "%H:%M:%S.") << std::setfill('0') << std::setw(3)
+         << time.milliseconds;
     return text.str();
 }
 
+/// Returns @p time as ISO 8601 has it, with the distance from UTC.
+std::string timestamp(const LocalTime& time) {
+    std::ostringstream text;
+    text << std::put_time(&time.calendar, "%Y-%m-%dT") << timeOfDay(time)
+         << std::put_time(&time.calendar, "%z");
+    return text.str().insert(text.str().size() - 2, ":");
+}
+
 std::string textOf(Change change, const PropertyGetResponse& property) {
-    const std::string time = localTime("%H:%M:%S");
+    const std::string time = timeOfDay(localTime());
     return (change == Change::None ? std::string(time.size(), ' ') : time) + ' ' +
            visibleText(fullName(property) + std::string(kWords[static_cast<std::size_t>(change)].text) +
                        property.value);
@@ -52,7 +67,7 @@ std::string textOf(Change change, const PropertyGetResponse& property) {
 
 std::string jsonTextOf(Change change, const PropertyGetResponse& property) {
     nlohmann::ordered_json object;
-    object["time"] = localTime("%Y-%m-%dT%H:%M:%S", "%z");
+    object["time"] = timestamp(localTime());
     object["event"] = kWords[static_cast<std::size_t>(change)].json;
     object.update(jsonOf(property));
     return lineOf(object);

@@ -6,6 +6,7 @@
 #include "tools/picl/LoadCommand.h"
 #include "tools/picl/SetCommand.h"
 #include "tools/picl/WatchCommand.h"
+#include "tools/propertyserver/ServeCommand.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -33,8 +34,10 @@ int run(int argc, char* argv[]) {
     addDumpCommand(line);
     addLoadCommand(line);
     addCompleteCommand(line);
-    // Here "picl serve" is added.
-    return finish(line.run(argc, argv));
+    int served = kDone;
+    addServeCommand(line.app(), served);
+    const int status = line.run(argc, argv); // a server has run when this returns
+    return finish(status == kDone ? served : status);
 }
 
 } // namespace
