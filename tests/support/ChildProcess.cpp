@@ -46,6 +46,8 @@ void ChildProcess::kill() {
     m_status = status;
 }
 
+void ChildProcess::signal(int number) const { ::kill(m_pid, number); }
+
 std::optional<int> ChildProcess::exitStatus(std::chrono::milliseconds deadline) {
     if (!eventually([this] { return !isRunning(); }, deadline) || !m_status || !WIFEXITED(*m_status))
         return {};

@@ -23,6 +23,9 @@ public:
     [[nodiscard]] bool isRunning();
     void kill();
 
+    /// Sends the signal @p number. Requires: the program runs.
+    void signal(int number) const;
+
     /// Returns how often the threads of the program have been given a processor so far; 0 if that cannot be
     /// told.
     [[nodiscard]] long contextSwitches() const;

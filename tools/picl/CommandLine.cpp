@@ -1,9 +1,10 @@
 #include "tools/picl/CommandLine.h"
 
 #include "platform/os/DeviceRoot.h"
+#include "tools/picl/CommandSupport.h"
 
+#include <algorithm>
 #include <cmath>
-#include <iostream>
 #include <utility>
 
 namespace {
@@ -69,6 +70,20 @@ void CommandLine::addCommonOptions(CLI::App& command) {
         ->check(secondsCheck());
 }
 
+int CommandLine::refuseOption(const std::string& option) {
+    complain(inQuotes(option) + " is no option here, see --help; what only begins like one stands behind --");
+    return kBadArguments;
+}
+
+int CommandLine::refuseCommand(const std::string& name) const {
+    std::vector<std::string> names;
+    for (const CLI::App* command : m_app.get_subcommands({}))
+        names.push_back(command->get_name());
+    complainOfMissing("there is no command " + inQuotes(name), closestOf(std::move(names), name),
+                      "picl --help");
+    return kBadArguments;
+}
+
 void CommandLine::addJsonOption(CLI::App& command, const std::string& help) {
     command.add_flag("--json", m_options.json, help);
 }
@@ -77,6 +92,11 @@ int CommandLine::run(int argc, char* argv[]) {
     try {
         m_app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
+        const std::vector<std::string> rest = m_app.remaining(true);
+        if (error.get_exit_code() != 0 && !rest.empty() && rest.front().starts_with('-'))
+            return refuseOption(rest.front());
+        if (m_app.get_subcommands().empty() && !rest.empty())
+            return refuseCommand(rest.front());
         return m_app.exit(error) == 0 ? kDone : kBadArguments;
     }
     return m_chosen ? m_chosen(m_options) : kDone;

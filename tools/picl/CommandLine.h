@@ -40,6 +40,8 @@ public:
 
 private:
     void addCommonOptions(CLI::App& command);
+    [[nodiscard]] static int refuseOption(const std::string& option);
+    [[nodiscard]] int refuseCommand(const std::string& name) const;
 
     CLI::App m_app;
     CommonOptions m_options;

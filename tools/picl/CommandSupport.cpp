@@ -9,15 +9,7 @@
 
 namespace {
 
-constexpr std::string_view kListHint = "; see \"picl list\"";
-
-// Where a name is only like others.
-void complainOfMissing(const std::string& sentence, const std::vector<std::string>& closest) {
-    if (closest.empty())
-        complain(sentence + std::string(kListHint));
-    else
-        complain(sentence + "; did you mean", closest);
-}
+const std::string kList = "picl list"; // which tells what is there
 
 /// Returns component GUID and name of each program.
 std::map<std::string, std::string> programsOf(const Properties& properties) {
@@ -50,6 +42,14 @@ void complain(std::string_view sentence, const std::vector<std::string>& choices
         std::cerr << "  " << visibleText(choice) << '\n';
 }
 
+void complainOfMissing(const std::string& sentence, const std::vector<std::string>& closest,
+                       const std::string& telling) {
+    if (closest.empty())
+        complain(sentence + "; see " + inQuotes(telling));
+    else
+        complain(sentence + "; did you mean", closest);
+}
+
 std::unique_ptr<PropertySession> openSession(const CommonOptions& options) {
     std::string why;
     std::unique_ptr<PropertySession> session = PropertySession::open(options.place, options.patience, why);
@@ -76,7 +76,7 @@ const PropertyGetResponse* findProperty(const PropertyNames& names, const std::s
     if (found.size() == 1)
         return found.front();
     if (found.empty()) {
-        complainOfMissing("there is no property " + inQuotes(name), names.closest(name));
+        complainOfMissing("there is no property " + inQuotes(name), names.closest(name), kList);
         return nullptr;
     }
     std::vector<std::string> candidates;
@@ -102,7 +102,8 @@ std::optional<std::string> findProgram(const Properties& properties, const std::
     std::vector<std::string> names;
     for (const auto& [guid, name] : programs)
         names.push_back(name);
-    complainOfMissing("there is no program " + inQuotes(program), closestOf(std::move(names), program));
+    complainOfMissing("there is no program " + inQuotes(program), closestOf(std::move(names), program),
+                      kList);
     return {};
 }
 
@@ -111,7 +112,7 @@ const PropertyGetResponse* checkAnswer(const std::optional<PropertyGetResponse>&
     if (!answer)
         complain("the program of " + inQuotes(name) + " does not answer; wait for longer with --timeout");
     else if (answer->status != status::kSuccessful)
-        complain(inQuotes(name) + " is not there any more" + std::string(kListHint));
+        complain(inQuotes(name) + " is not there any more; see " + inQuotes(kList));
     else
         return &*answer;
     return nullptr;

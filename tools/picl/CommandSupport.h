@@ -25,6 +25,10 @@ CLI::Option* addNames(CLI::App& command, std::vector<std::string>& names);
 /// Tells @p sentence as an error, and below it each of @p choices.
 void complain(std::string_view sentence, const std::vector<std::string>& choices = {});
 
+/// Tells @p sentence about what is not there, and what is like it; if nothing is, the command that tells all.
+void complainOfMissing(const std::string& sentence, const std::vector<std::string>& closest,
+                       const std::string& telling);
+
 /// Returns a connection to the server; null, and complains, on failure.
 [[nodiscard]] std::unique_ptr<PropertySession> openSession(const CommonOptions& options);
 

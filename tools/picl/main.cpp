@@ -17,10 +17,12 @@ namespace {
 
 /// Returns @p status, or that of a failure where what was printed did not get out.
 int finish(int status) {
-    errno = 0;
     if (std::cout.flush())
         return status;
-    if (errno != EPIPE && errno != 0) // nobody reads any more: that is no error
+    std::cout.clear(); // once more, for the reason
+    errno = 0;
+    std::cout.put('\n').flush();
+    if (errno != EPIPE) // nobody reads any more: that is no error
         std::perror("picl: cannot print");
     return kFailed;
 }
