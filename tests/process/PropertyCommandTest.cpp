@@ -1,0 +1,95 @@
+#include "tests/commandline/PiclRun.h"
+#include "tests/process/ProcessTest.h"
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+/// The application and "picl" at the property server that "picl" is, too.
+class PropertyCommandTest : public ProcessTest {
+protected:
+    PropertyCommandTest() {
+        std::filesystem::create_directory(printer() / "store");
+        server = start({"serve", "--quiet"});
+        EXPECT_TRUE(server->prints("Listening on " + (printer() / "dev/PRN0").string() + '\n'));
+        application = startApplication();
+        EXPECT_TRUE(isUp()) << output("UpgradeUI");
+    }
+
+    std::unique_ptr<PiclRun> start(const std::vector<std::string>& arguments, const std::string& input = "") {
+        return std::make_unique<PiclRun>(printer(), arguments, input);
+    }
+
+    /// Returns what "picl" prints on @p arguments; its errors where it fails.
+    std::string says(const std::vector<std::string>& arguments, const std::string& input = "") {
+        const auto run = start(arguments, input);
+        return run->status() == 0 ? run->out() : run->err();
+    }
+
+    // This one comes last.
+    bool isUp() {
+        return eventually([this] { return says({"get", "Screen Resolution Height"}) == "600\n"; });
+    }
+
+    std::unique_ptr<PiclRun> server;
+    std::unique_ptr<ChildProcess> application;
+};
+
+TEST_F(PropertyCommandTest, EachPropertyOfThePrinterIsThereWithItsType) {
+    const auto all = nlohmann::json::parse(says({"list", "--json"}));
+    EXPECT_EQ(all.size(), 42U);
+    for (const auto& property : all)
+        EXPECT_TRUE(property["type"].is_string()) << property;
+    EXPECT_EQ(says({"get", "Dots Per Inch"}), "300\n");
+    EXPECT_EQ(says({"get", "firmware driver/battery/battery ac connected"}), "True\n");
+}
+
+TEST_F(PropertyCommandTest, WhatIsSetIsReadBackAndStored) {
+    EXPECT_EQ(says({"set", "Printer Status Display", "größe \"x\"\n\\"}),
+              "Printer Status Display = größe \"x\"\\n\\\n");
+    EXPECT_EQ(says({"get", "Printer Status Display"}), "größe \"x\"\n\\\n");
+    EXPECT_EQ(says({"set", "Measurement Unit", "007"}), "Measurement Unit = 7\n");
+    EXPECT_EQ(says({"set", "Measurement Unit", "abc"}),
+              "picl: Measurement Unit: \"abc\" was refused; it is still \"7\"\n");
+    EXPECT_EQ(says({"set", "Hour Format 24", "true"}), "Hour Format 24 = True\n");
+    EXPECT_TRUE(eventually([this] {
+        return contents("store/AppPreferences.ini").find("Hour Format 24=True") != std::string::npos;
+    }));
+    EXPECT_EQ(says({"set", "Store Properties", "true"}), "Store Properties: fired; it succeeded\n");
+}
+
+TEST_F(PropertyCommandTest, ADumpBringsPreferencesBack) {
+    const std::string dump = says({"dump", "Upgrade UI"});
+    EXPECT_EQ(says({"set", "Language", "deutsch"}), "Language = deutsch\n");
+    EXPECT_EQ(says({"set", "YB File Location", ""}), "YB File Location = \n");
+    EXPECT_EQ(says({"load", "-"}, dump), "Display Preferences/Language: deutsch -> english\n"
+                                         "Locally Stored Preferences/YB File Location:  -> "
+                                         "\\\\server\\manufacturing\\yb\n"
+                                         "2 changed, 13 had their value, 0 not there, 0 refused\n");
+    EXPECT_EQ(says({"dump", "Upgrade UI"}), dump);
+}
+
+TEST_F(PropertyCommandTest, AWatchSeesTheApplicationGoAndComeBackAndTheServerGo) {
+    const auto watch = start({"watch", "Hour Format 24"});
+    const std::string name = " Upgrade UI/Display Preferences/Hour Format 24";
+    std::string text = "            " + name + " = False\n";
+    ASSERT_TRUE(watch->prints(text)) << watch->out();
+    EXPECT_EQ(says({"set", "Hour Format 24", "TRUE"}), "Hour Format 24 = True\n");
+    text += "##:##:##.###" + name + " = True\n";
+    EXPECT_TRUE(watch->prints(text)) << watch->out();
+    ASSERT_TRUE(eventually([this] {
+        return contents("store/AppPreferences.ini").find("Hour Format 24=True") != std::string::npos;
+    }));
+    application->kill();
+    text += "##:##:##.###" + name + " is gone; it was True\n";
+    EXPECT_TRUE(watch->prints(text)) << watch->out();
+    application = startApplication();
+    text += "##:##:##.###" + name + " is back = True\n";
+    EXPECT_TRUE(watch->prints(text)) << watch->out();
+    server->signal(SIGTERM);
+    EXPECT_EQ(server->status(), 0);
+    EXPECT_EQ(watch->status(), 1);
+    EXPECT_EQ(watch->err(), "picl: the property server has gone; start it again with \"picl serve\"\n");
+}
+
+} // namespace
