@@ -94,6 +94,28 @@ TEST_F(Faults, AnAnswerInManyFramesAndInPiecesIsOne) {
     EXPECT_TRUE(parts->out() == out) << parts->out().size();
 }
 
+TEST_F(Faults, AValueThatNoMessageHoldsIsNotSent) {
+    ScriptedServer server;
+    server.add("Screens", "Preferences", "Text", "short");
+    const auto dump = start({"dump", "Screens"});
+    ASSERT_EQ(dump->status(), 0);
+    const auto load = [&](const std::string& character, int count) {
+        std::string value;
+        for (int i = 0; i < count; ++i)
+            value += character;
+        std::string document = dump->out();
+        document.replace(document.find("short"), 5, value);
+        return start({"load", "-"}, document);
+    };
+    const auto tooLong = load("\\u0001", 800'000);
+    EXPECT_EQ(tooLong->status(), 1);
+    EXPECT_EQ(tooLong->err(),
+              "picl: Preferences/Text: the value is longer than a message can be; make it shorter\n");
+    EXPECT_EQ(server.sets(), 0);
+    EXPECT_EQ(load("x", 4'000'000)->status(), 0);
+    EXPECT_EQ(server.valueOf("Text").size(), 4'000'000U);
+}
+
 TEST_F(Faults, AReaderThatGoesIsNoErrorAndAFullDiskIsOne) {
     ScriptedServer server;
     fill(server);

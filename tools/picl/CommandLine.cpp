@@ -24,7 +24,7 @@ std::string checkPlace(const std::string& text) {
 
 } // namespace
 
-CLI::Validator secondsCheck() { return {checkSeconds, "SECONDS", "seconds"}; }
+CLI::Validator secondsCheck() { return {checkSeconds, "", "seconds"}; }
 
 std::chrono::milliseconds millisecondsOf(double seconds) {
     return std::chrono::milliseconds(std::max<long long>(1, std::llround(seconds * 1000)));
@@ -47,26 +47,28 @@ CLI::App& CommandLine::addCommand(const std::string& name, const std::string& he
 
 // In front of the command and behind it.
 void CommandLine::addCommonOptions(CLI::App& command) {
-    CLI::Option* root =
-        command
-            .add_option_function<std::string>(
-                "--root", [](const std::string& folder) { os::setDeviceRoot(folder); },
-                "Device root of the printer (default: the folder \"printer\" beside this program, or /)")
-            ->type_name("DIR")
-            ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
-            ->trigger_on_parse();
+    constexpr auto kGroup = "Options for the property server";
+    command
+        .add_option_function<std::string>(
+            "--root", [](const std::string& folder) { os::setDeviceRoot(folder); },
+            "Device root of the printer (default: the folder \"printer\" beside this program, or /)")
+        ->type_name("DIR")
+        ->group(kGroup)
+        ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
+        ->trigger_on_parse();
     command
         .add_option_function<std::string>(
             "--tcp", [this](const std::string& text) { m_options.place = *parseServerPlace(text); },
-            "Ask the property server on this host, port 9102 unless told, instead of the device")
+            "Ask the one on this host, port 9102 unless told, instead of that on the device root")
         ->type_name("HOST[:PORT]")
-        ->check(CLI::Validator(checkPlace, "", "place"))
-        ->excludes(root);
+        ->group(kGroup)
+        ->check(CLI::Validator(checkPlace, "", "place"));
     command
         .add_option_function<double>(
             "--timeout", [this](const double& seconds) { m_options.patience = millisecondsOf(seconds); },
             "How long to wait for an answer (default: 5)")
-        ->type_name("")
+        ->type_name("SECONDS")
+        ->group(kGroup)
         ->check(secondsCheck());
 }
 

@@ -80,6 +80,7 @@ const PropertyGetResponse* findProperty(const PropertyNames& names, const std::s
         return nullptr;
     }
     std::vector<std::string> candidates;
+    candidates.reserve(found.size());
     for (const PropertyGetResponse* candidate : found)
         candidates.push_back(names.uniqueSpellings(*candidate).front());
     complain(inQuotes(name) + " is ambiguous; say one of", candidates);
@@ -100,6 +101,7 @@ std::optional<std::string> findProgram(const Properties& properties, const std::
         return {};
     }
     std::vector<std::string> names;
+    names.reserve(programs.size());
     for (const auto& [guid, name] : programs)
         names.push_back(name);
     complainOfMissing("there is no program " + inQuotes(program), closestOf(std::move(names), program),

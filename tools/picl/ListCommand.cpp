@@ -116,9 +116,11 @@ void addListCommand(CommandLine& line) {
     CLI::App& command =
         line.addCommand("list", "List properties and their values",
                         [arguments](const CommonOptions& options) { return list(options, *arguments); });
-    command.add_option("PATTERN", arguments->pattern,
-                       "Only those with this in their names or GUIDs, in whatever case; with * ? [] a whole "
-                       "name, group/name or program/group/name");
+    command
+        .add_option("PATTERN", arguments->pattern,
+                    "Only those with this in their names or GUIDs, in whatever case; with * ? [] a whole "
+                    "name, group/name or program/group/name")
+        ->type_name("");
     command.add_option("--program", arguments->program, "Only those of this program, by name or GUID")
         ->type_name("NAME");
     command.add_option("--group", arguments->group, "Only those of this group, by name or GUID")

@@ -18,7 +18,6 @@ namespace {
 
 constexpr std::string_view kFormat = "picl properties";
 constexpr int kVersion = 1;
-constexpr std::size_t kLongestText = 1048576; // bytes; a frame holds it even where each is escaped by two
 
 struct Fault {
     std::string sentence;
@@ -58,8 +57,6 @@ std::string text(const Json& object, const std::string& place, std::string_view 
     std::string content = json.get<std::string>();
     if (content.find('\0') != std::string::npos)
         fail(member(place, key), "must not hold a zero character");
-    if (content.size() > kLongestText)
-        fail(member(place, key), "is too long");
     return content;
 }
 

@@ -13,6 +13,8 @@ using Result = PropertyClient::Result;
 
 namespace {
 
+constexpr std::size_t kLongestValue = frame::kLargestText - 4096; // the rest of its message is shorter
+
 std::string randomGuid() {
     static constexpr std::string_view kDigits = "0123456789ABCDEF";
     static constexpr std::string_view kForm = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
@@ -28,6 +30,13 @@ std::string randomGuid() {
 /// Returns what asks for a property that cannot exist: the answer comes behind that on all asked before.
 PropertyGetRequest askForNothing(const std::string& component) {
     return {.component = component, .group = randomGuid(), .guid = randomGuid()};
+}
+
+using Key = std::tuple<std::string, std::string, std::string>;
+
+template <typename Record>
+Key keyOf(const Record& record) {
+    return {record.component, record.group, record.guid};
 }
 
 PropertyGetRequest escaped(const PropertyGetRequest& request) {
@@ -77,7 +86,7 @@ std::optional<Properties> PropertySession::all(bool subscribes) {
     if (!send(question) || !awaitAnswerForAll(deadline) || !send(end))
         return {};
 
-    std::map<std::tuple<std::string, std::string, std::string>, PropertyGetResponse> found;
+    std::map<Key, PropertyGetResponse> found;
     while (std::optional<PropertyGetResponse> report = next(deadline)) {
         if (isOn(*report, last)) {
             Properties properties;
@@ -85,7 +94,7 @@ std::optional<Properties> PropertySession::all(bool subscribes) {
                 properties.push_back(std::move(property));
             return properties;
         }
-        auto key = std::tuple(report->component, report->group, report->guid);
+        Key key = keyOf(*report);
         if (report->status == status::kSuccessful)
             found.insert_or_assign(std::move(key), std::move(*report));
         else
@@ -105,19 +114,21 @@ bool PropertySession::awaitAnswerForAll(Clock::time_point deadline) {
     return true;
 }
 
-std::optional<std::vector<std::optional<PropertyGetResponse>>>
-PropertySession::ask(const std::vector<PropertyGetRequest>& requests, bool subscribes) {
+std::optional<PropertySession::Answers> PropertySession::ask(const std::vector<PropertyGetRequest>& requests,
+                                                             bool subscribes) {
     const Clock::time_point deadline = Clock::now() + m_patience;
-    for (const PropertyGetRequest& request : requests) {
+    std::map<Key, std::vector<std::size_t>> asked; // who wants to know, by what they ask for
+    for (std::size_t index = 0; index < requests.size(); ++index) {
+        const PropertyGetRequest& request = requests[index];
         JSONPICL question; // one each: an owner that is silent keeps back no answer of another
         subscribes ? question.addSubscribeRequest(escaped(request))
                    : question.addGetRequest(escaped(request));
         if (!send(question))
             return {};
+        asked[keyOf(request)].push_back(index);
     }
-    std::vector<std::optional<PropertyGetResponse>> answers(requests.size());
-    std::size_t missing = requests.size();
-    while (missing > 0) {
+    Answers answers(requests.size());
+    for (std::size_t missing = requests.size(); missing > 0;) {
         const std::optional<PropertyGetResponse> report = next(deadline);
         if (!report && m_outcome == Result::TimedOut)
             break;
@@ -125,11 +136,12 @@ PropertySession::ask(const std::vector<PropertyGetRequest>& requests, bool subsc
             tellFailure("did not answer");
             return {};
         }
-        for (std::size_t index = 0; index < requests.size(); ++index) {
-            if (isOn(*report, requests[index])) {
-                missing -= answers[index] ? 0U : 1U;
-                answers[index] = *report;
-            }
+        const auto found = asked.find(keyOf(*report));
+        if (found == asked.end())
+            continue;
+        for (const std::size_t index : found->second) {
+            missing -= answers[index] ? 0U : 1U;
+            answers[index] = *report; // a later one is newer
         }
     }
     return answers;
@@ -146,6 +158,10 @@ std::optional<PropertyGetResponse> PropertySession::set(const PropertyGetRequest
         {.guid = key.guid, .group = key.group, .component = key.component, .value = escapeText(value)});
     message.addGetRequest(key);
     message.addGetRequest(escaped(last));
+    if (escapeText(value).size() > kLongestValue) {
+        m_why = "the value is longer than a message can be; make it shorter";
+        return {};
+    }
     if (!send(message))
         return {};
     std::optional<PropertyGetResponse> answer;

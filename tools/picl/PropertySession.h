@@ -35,10 +35,12 @@ public:
     /// failure. The reports on what becomes of them follow if @p subscribes. Blocks for the answer.
     [[nodiscard]] std::optional<Properties> all(bool subscribes = false);
 
+    using Answers = std::vector<std::optional<PropertyGetResponse>>;
+
     /// Returns the report on each of @p requests, in their order, and none where its owner did not answer in
     /// time; nothing on failure. Further reports follow if @p subscribes. Blocks for the answers.
-    [[nodiscard]] std::optional<std::vector<std::optional<PropertyGetResponse>>>
-    ask(const std::vector<PropertyGetRequest>& requests, bool subscribes = false);
+    [[nodiscard]] std::optional<Answers> ask(const std::vector<PropertyGetRequest>& requests,
+                                             bool subscribes = false);
 
     /// Sets a property to @p value. Returns what its owner then reports of it; nothing on failure, also where
     /// the owner does not answer in time. Blocks for the answer.

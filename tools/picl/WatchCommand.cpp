@@ -103,7 +103,7 @@ void addWatchCommand(CommandLine& line) {
         ->type_name("N")
         ->check(CLI::PositiveNumber.description(""));
     command.add_option("--for", arguments->seconds, "End after so many seconds")
-        ->type_name("")
+        ->type_name("SECONDS")
         ->check(secondsCheck());
     line.addJsonOption(command, "Print a JSON object a line");
     command.footer("Prints the present values, then each change with its local time; without names of all\n"
