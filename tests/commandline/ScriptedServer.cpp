@@ -77,6 +77,13 @@ bool ScriptedServer::hasSubscriber() {
     });
 }
 
+bool ScriptedServer::wasAsked() {
+    return eventually([this] {
+        const std::scoped_lock guard(m_lock);
+        return m_messages > 0;
+    });
+}
+
 void ScriptedServer::hangUp() {
     const std::scoped_lock guard(m_lock);
     for (Connection& connection : m_connections)
@@ -125,6 +132,7 @@ void ScriptedServer::serve(Connection& connection) {
 }
 
 void ScriptedServer::handle(Connection& connection, const JSONPICL& message) {
+    ++m_messages;
     if (endsInsteadOfAnswer) {
         ::shutdown(connection.socket.value(), SHUT_RDWR);
         return;

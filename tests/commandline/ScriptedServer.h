@@ -39,6 +39,9 @@ public:
     /// Waits until somebody has subscribed to something.
     bool hasSubscriber();
 
+    /// Waits until somebody has asked something.
+    bool wasAsked();
+
     /// Ends all connections.
     void hangUp();
 
@@ -74,6 +77,7 @@ private:
     std::mutex m_lock; // guards all below
     std::vector<PropertyGetResponse> m_properties;
     std::list<Connection> m_connections;
+    int m_messages = 0;
     int m_sets = 0;
     os::LocalListener m_listener;
     std::thread m_thread;

@@ -64,6 +64,15 @@ TEST_F(Watch, EndsWithItsTimeOrWithASignal) {
     EXPECT_EQ(watch->status(), 0);
 }
 
+TEST_F(Watch, IsInterruptedAlsoWhileItWaitsForTheFirstAnswer) {
+    server.saysInstead = std::string(1, '\xB3');
+    const auto watch = start({"watch", "--timeout", "1000"});
+    ASSERT_TRUE(server.wasAsked());
+    watch->signal(SIGINT);
+    EXPECT_EQ(watch->status(), 0);
+    EXPECT_EQ(watch->err(), "");
+}
+
 TEST_F(Watch, TellsThatTheServerHasGone) {
     const auto watch = start({"watch", "Period"});
     ASSERT_TRUE(watch->prints(kNoTime + kPeriod + " = 500\n"));

@@ -17,11 +17,17 @@ struct Arguments {
     double seconds = 0;    // no limit
 };
 
+// Who interrupts knows why it ends.
+void complainOf(const PropertySession& session) {
+    if (session.outcome() != PropertyClient::Result::Interrupted)
+        complain(session.why());
+}
+
 /// Returns what is watched, as it stands now, in the order told; nothing, and complains, on failure.
 std::optional<Properties> subscribe(PropertySession& session, const std::vector<std::string>& names) {
     std::optional<Properties> all = session.all(names.empty());
     if (!all) {
-        complain(session.why());
+        complainOf(session);
         return {};
     }
     if (names.empty())
@@ -36,7 +42,7 @@ std::optional<Properties> subscribe(PropertySession& session, const std::vector<
         return {};
     const auto answers = session.ask(requests, true);
     if (!answers) {
-        complain(session.why());
+        complainOf(session);
         return {};
     }
     Properties watched;
