@@ -84,6 +84,13 @@ TEST(Names, EachSpellingThatIsOfferedMeansItsPropertyAlone) {
     EXPECT_EQ(names.uniqueSpellings(kProperties[8]).front(), "9") << "no name tells it from its twin";
 }
 
+TEST(Names, EvenWhatCannotBeToldApartHasASpelling) {
+    const Properties twins{property("X", "A", "n", "g:1"), property("X", "A", "n", "g:1")};
+    const PropertyNames names(twins);
+    EXPECT_EQ(names.uniqueSpellings(twins[0]), std::vector<std::string>{"C-X:G-A:g:1"});
+    EXPECT_EQ(names.find("n").size(), 2U);
+}
+
 TEST(Names, WhatIsMistypedLeadsToWhatIsLikeIt) {
     const PropertyNames names(kProperties);
     using Spellings = std::vector<std::string>;

@@ -51,11 +51,11 @@ public:
     // Set before anybody connects.
     std::function<std::string(const PropertyGetResponse& property, const std::string& value)> onSet =
         [](const PropertyGetResponse&, const std::string& value) { return value; };
-    std::string silentProgram;                                  ///< It answers no question.
-    std::string saysInstead;                                    ///< These bytes to each question.
-    bool endsInsteadOfAnswer = false;                           ///< It hangs up on a question.
-    std::size_t reportsOfFrame = 1000;                          ///< Longer answers come in several frames.
-    std::size_t largestWrite = static_cast<std::size_t>(65536); ///< Bytes that travel in one piece.
+    std::string silentProgram;         ///< It answers no question.
+    std::string saysInstead;           ///< These bytes to each question.
+    bool endsInsteadOfAnswer = false;  ///< It hangs up on a question.
+    std::size_t reportsOfFrame = 1000; ///< Longer answers come in several frames.
+    std::size_t largestWrite = 65536;  ///< Bytes that travel in one piece.
 
 private:
     struct Connection {

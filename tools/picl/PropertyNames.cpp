@@ -81,10 +81,13 @@ std::vector<const PropertyGetResponse*> PropertyNames::lookUp(const Index& index
 
 std::vector<std::string> PropertyNames::uniqueSpellings(const PropertyGetResponse& property) const {
     std::vector<std::string> unique;
-    for (std::string& spelling : spellingsOf(property)) {
+    std::array<std::string, 6> spellings = spellingsOf(property);
+    for (std::string& spelling : spellings) {
         if (!spelling.empty() && find(spelling).size() == 1)
             unique.push_back(std::move(spelling));
     }
+    if (unique.empty()) // only GUIDs with colons in them can be so alike
+        unique.push_back(std::move(spellings.back()));
     return unique;
 }
 

@@ -20,7 +20,8 @@ public:
     /// letter by letter goes before what it means without regard to case.
     [[nodiscard]] std::vector<const PropertyGetResponse*> find(std::string_view name) const;
 
-    /// Returns the spellings by which find() finds @p property alone, that which people like best first.
+    /// Returns the spellings by which find() finds @p property alone, that which people like best first; that
+    /// of all its GUIDs where there is none.
     [[nodiscard]] std::vector<std::string> uniqueSpellings(const PropertyGetResponse& property) const;
 
     /// Returns the spellings of the properties that are most like @p name, the best first, a few at most.
