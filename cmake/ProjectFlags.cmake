@@ -30,3 +30,11 @@ endif()
 
 include(CheckPIESupported)
 check_pie_supported()
+
+# asio_loop(<target>): what a target needs whose sources run a loop of Boost.Asio. The thread sanitizer does not know the
+# fences around its handlers, and says so; they are for loops that several threads run, of which we have none.
+function(asio_loop target)
+    if(UPGRADEUI_SANITIZERS MATCHES "thread")
+        target_compile_definitions(${target} PRIVATE BOOST_ASIO_DISABLE_FENCED_BLOCK)
+    endif()
+endfunction()

@@ -40,7 +40,7 @@ protected:
         server.add("Net", "Local Preferences", "Address", "10.0.0.1");
         server.add("Net", "General", "Language", "größe\n\x1b[m");
         server.add("Net", "General", "Bytes", "\xff\xc3");
-        server.onSet = took;
+        server.let(&ScriptedServer::onSet, took);
     }
 
     ScriptedServer server;

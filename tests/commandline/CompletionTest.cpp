@@ -55,7 +55,7 @@ TEST_F(Completion, OffersWhatCanStandThere) {
 TEST_F(Completion, SaysNothingWithoutAServer) {
     EXPECT_EQ(offers("picl get --root '" + root().string() + "' "), "");
     ScriptedServer server;
-    server.saysInstead = std::string(1, '\xB3');
+    server.let(&ScriptedServer::saysInstead, std::string(1, '\xB3'));
     EXPECT_EQ(offers("picl get --root '" + root().string() + "' "), "");
 }
 

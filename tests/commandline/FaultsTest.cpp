@@ -44,17 +44,17 @@ TEST_F(Faults, NoServerIsToldWithWhatToDo) {
 
 TEST_F(Faults, OneThatHangsUpOrTalksNonsenseIsTold) {
     ScriptedServer server;
-    server.endsInsteadOfAnswer = true;
+    server.let(&ScriptedServer::endsInsteadOfAnswer, true);
     eachFails("picl: the property server on " + device() + " has ended the connection\n");
-    server.endsInsteadOfAnswer = false;
-    server.saysInstead = "HTTP/1.1 400 Bad Request\r\n\r\n";
+    server.let(&ScriptedServer::endsInsteadOfAnswer, false);
+    server.let(&ScriptedServer::saysInstead, "HTTP/1.1 400 Bad Request\r\n\r\n");
     eachFails("picl: what answers on " + device() +
               " is no property server; name another place by --root or --tcp\n");
 }
 
 TEST_F(Faults, OneThatDoesNotAnswerCostsTheTimeOutAndNoMore) {
     ScriptedServer server;
-    server.saysInstead = std::string(1, '\xB3');
+    server.let(&ScriptedServer::saysInstead, std::string(1, '\xB3'));
     eachFails("picl: the property server on " + device() +
                   " did not answer within 0.05 s; wait for longer with --timeout\n",
               "0.05");
@@ -64,7 +64,7 @@ TEST_F(Faults, AProgramThatDoesNotAnswerKeepsBackNothingOfOthers) {
     ScriptedServer server;
     fill(server);
     server.add("Silent", "Preferences", "Quiet", "1");
-    server.silentProgram = "Silent";
+    server.let(&ScriptedServer::silentProgram, "Silent");
     const auto get = start({"--timeout", "0.5", "get", "Quiet", "Number 7"});
     EXPECT_EQ(get->status(), 1);
     EXPECT_EQ(get->out(), "Number 7 = 7\n");
@@ -87,8 +87,8 @@ TEST_F(Faults, AnAnswerInManyFramesAndInPiecesIsOne) {
     EXPECT_EQ(whole->status(), 0);
     const std::string out = whole->out();
     EXPECT_EQ(std::ranges::count(out, '\n'), 102);
-    server.reportsOfFrame = 7;
-    server.largestWrite = 1000;
+    server.let(&ScriptedServer::reportsOfFrame, 7U);
+    server.let(&ScriptedServer::largestWrite, 1000U);
     const auto parts = start({"list"});
     EXPECT_EQ(parts->status(), 0);
     EXPECT_TRUE(parts->out() == out) << parts->out().size();

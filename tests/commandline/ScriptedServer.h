@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 /// A property server that a test plays: it has the properties that it is given, answers as a server does, or
@@ -48,7 +49,14 @@ public:
     [[nodiscard]] std::string valueOf(const std::string& name);
     [[nodiscard]] int sets();
 
-    // Set before anybody connects.
+    /// Sets one of the fields below.
+    template <typename Type, typename Value>
+    void let(Type ScriptedServer::*field, Value value) {
+        const std::scoped_lock guard(m_lock);
+        this->*field = std::move(value);
+    }
+
+    // Set by let() alone.
     std::function<std::string(const PropertyGetResponse& property, const std::string& value)> onSet =
         [](const PropertyGetResponse&, const std::string& value) { return value; };
     std::string silentProgram;         ///< It answers no question.

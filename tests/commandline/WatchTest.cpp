@@ -65,7 +65,7 @@ TEST_F(Watch, EndsWithItsTimeOrWithASignal) {
 }
 
 TEST_F(Watch, IsInterruptedAlsoWhileItWaitsForTheFirstAnswer) {
-    server.saysInstead = std::string(1, '\xB3');
+    server.let(&ScriptedServer::saysInstead, std::string(1, '\xB3'));
     const auto watch = start({"watch", "--timeout", "1000"});
     ASSERT_TRUE(server.wasAsked());
     watch->signal(SIGINT);
