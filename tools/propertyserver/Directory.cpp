@@ -15,12 +15,6 @@ bool addTo(std::vector<Peer*>& watchers, Peer& peer) {
     return true;
 }
 
-std::size_t sizeOf(const PropertyGetResponse& record) {
-    return record.component.size() + record.componentString.size() + record.group.size() +
-           record.groupString.size() + record.guid.size() + record.nameString.size() + record.status.size() +
-           record.value.size();
-}
-
 void tell(const std::vector<Peer*>& watchers, const SharedReport& report) {
     for (Peer* watcher : watchers)
         watcher->publish(report);
@@ -46,8 +40,8 @@ SharedReport Directory::remember(Program& program, const SharedReport& report, b
     const bool isGone = report->record.status == status::kNoLongerAvailable;
     auto found = program.properties.find(report->key());
     const bool wasKnown = found != program.properties.end() && found->second.last;
-    const std::size_t before = wasKnown ? sizeOf(found->second.last->record) : 0;
-    const std::size_t after = isGone ? 0 : sizeOf(report->record);
+    const std::size_t before = wasKnown ? found->second.last->bytes() : 0;
+    const std::size_t after = isGone ? 0 : report->bytes();
     taken = (wasKnown || isGone || program.known < kMostProperties) &&
             program.bytes - before + after <= kMostBytes;
     if (!taken || (isGone && !wasKnown))

@@ -38,3 +38,9 @@ Report::Report(PropertyGetResponse arrived)
 std::string_view Report::component() const { return std::string_view(id).substr(0, id.find(kBetween)); }
 
 std::string_view Report::key() const { return std::string_view(id).substr(id.find(kBetween) + 1); }
+
+std::size_t Report::bytes() const {
+    return record.component.size() + record.componentString.size() + record.group.size() +
+           record.groupString.size() + record.guid.size() + record.nameString.size() + record.status.size() +
+           record.value.size();
+}

@@ -2,6 +2,7 @@
 
 #include "picl/JSONPICL.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,9 @@ struct Report {
 
     [[nodiscard]] std::string_view component() const;
     [[nodiscard]] std::string_view key() const; ///< The full key: group and GUID.
+
+    /// Returns the length of the texts of the record.
+    [[nodiscard]] std::size_t bytes() const;
 
     std::string id;             ///< idOf() component and full key, as they were read.
     PropertyGetResponse record; ///< Ready to leave: escaped.
@@ -47,7 +51,8 @@ public:
     /// Tells of a change. A peer that is slow is told the last one of each property.
     virtual void publish(const SharedReport& report) = 0;
 
-    /// Reads nothing more of the peer, or goes on with it.
+    /// Takes no more questions and sets of the peer, or goes on with them. Its reports are taken:
+    /// somebody waits for them.
     virtual void hold(bool holds) = 0;
 
     /// Ends the connection; @p why is a sentence for the log.
