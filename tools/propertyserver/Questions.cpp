@@ -30,6 +30,10 @@ void Questions::add(Question question, Clock::time_point now) {
 bool Questions::settle(const SharedReport& report) {
     if (m_questions.empty())
         return false;
+    if (report->record.status == status::kNoLongerAvailable) {
+        recall(report);
+        return false;
+    }
     if (!m_groups.empty())
         collect(report);
     const auto found = m_properties.find(report->id);
@@ -58,6 +62,22 @@ void Questions::collect(const SharedReport& report) {
         return;
     for (const Ref& ref : found->second)
         ref.place->question.items[ref.item].group[std::string(report->key())] = report;
+}
+
+// What was said of the property before holds no more; whoever has heard nothing yet will be answered.
+void Questions::recall(const SharedReport& gone) {
+    if (const auto found = m_properties.find(gone->id); found != m_properties.end()) {
+        for (const Ref& ref : found->second) {
+            Question::Item& item = ref.place->question.items[ref.item];
+            if (item.report)
+                item.report = makeNotFound(item.request);
+        }
+    }
+    const auto group = m_groups.find(idOf(gone->component(), splitKey(gone->key()).groupGuid));
+    if (group == m_groups.end())
+        return;
+    for (const Ref& ref : group->second)
+        ref.place->question.items[ref.item].group.erase(std::string(gone->key()));
 }
 
 void Questions::settleGone(std::string_view component) {

@@ -35,7 +35,7 @@ struct Question {
 
     Question(Peer& theAsker, bool forAll) : asker(&theAsker), isForAll(forAll) {}
 
-    Peer* asker;   ///< Absent once it has gone.
+    Peer* asker;            ///< Absent once it has gone.
     bool isForAll; ///< Answered out of the directory.
     std::vector<Item> items;
     std::vector<std::size_t> order; ///< Of the items in the answer, repeated ones repeatedly.
@@ -61,7 +61,8 @@ public:
     /// Takes a question, and ends it at once if there is nothing to wait for.
     void add(Question question, Clock::time_point now);
 
-    /// Hands @p report to who waits for it. Returns whether it was an answer.
+    /// Hands @p report to who waits for it. Returns whether it was an answer; that a property has gone is
+    /// none.
     bool settle(const SharedReport& report);
 
     /// Ends the waiting for a program that has gone: its properties are not found.
@@ -90,6 +91,7 @@ private:
 
     static bool give(const Ref& ref, const SharedReport& report);
     void collect(const SharedReport& report);
+    void recall(const SharedReport& gone);
     [[nodiscard]] Index& indexOf(const Question::Item& item);
     void finish(Place place);
 
