@@ -1,3 +1,5 @@
+#include "picl/FrameReader.h"
+#include "tests/picl/ScriptedPeer.h"
 #include "tests/propertyserver/ScriptedHub.h"
 
 #include <gtest/gtest.h>
@@ -32,8 +34,7 @@ const Conversation kConversations[] = {
 A: tell X/G:P=1
 B: tell Y/G:P=1 Z/G:P=1
 C: set X/G:P=2 X/G:P=3 Y/G:P=4 NOBODY/G:P=5 Z/G:P=6 X/G:Q=7
-    A: set X/G:P=2 X/G:P=3
-    A: set X/G:Q=7
+    A: set X/G:P=2 X/G:P=3 X/G:Q=7
     B: set Y/G:P=4 Z/G:P=6
 )"},
     {"AnAnswerHasEachItemInTheOrderAskedHoweverOftenAndWhoeverOwnsIt", R"(
@@ -265,6 +266,13 @@ B: get X/G:P Y/G:P set Y/G:P=1 tell Y/G:P=2 watch Y/G:Q
 INSTANTIATE_TEST_SUITE_P(, HubConversation, testing::ValuesIn(kConversations),
                          [](const auto& row) { return row.param.name; });
 
+std::string repeated(const std::string& text, std::size_t times) {
+    std::string all;
+    for (std::size_t i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
 std::string numbered(const std::string& begin, const std::string& end, std::size_t many) {
     std::string all;
     for (std::size_t i = 0; i < many; ++i)
@@ -277,6 +285,78 @@ std::size_t count(const std::string& text, const std::string& what) {
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
         ++found;
     return found;
+}
+
+// What goes on to an owner is written anew, and longer than it came: no owner may get what it cannot read.
+TEST(HubLimits, WhatIsHandedOnFitsIntoFrames) {
+    const std::string control(800'000, '\1');
+    struct {
+        const char* name;
+        const char* key;
+        std::string items;
+        std::size_t arrive;
+    } const kRows[] = {
+        {"sets that are short", "PropertySetRequests", repeated(R"({"Component":"X"},)", 200'000) + "0",
+         200'000},
+        {"sets that take more room escaped", "PropertySetRequests",
+         repeated(R"({"Component":"X","GUID":"G:P","Value":")" + control.substr(0, 400'000) + "\"},", 9) +
+             "0",
+         9},
+        {"a set that is too long by itself", "PropertySetRequests",
+         R"({"Component":"X","GUID":"G:P","Value":")" + control + R"("},{"Component":"X"})", 1},
+        {"gets whose keys have no colon", "PropertyGetRequests",
+         numbered(R"({"Component":"X","GUID":")" + std::string(500, 'k'), "\"},", 4095) + "0", 4095},
+        {"gets whose keys take more room escaped", "PropertyGetRequests",
+         R"({"Component":"X","GUID":":)" + control + R"("},{"Component":"X","GUID":"G:P"})", 1},
+    };
+    for (const auto& [name, key, items, arrive] : kRows) {
+        ScriptedHub hub;
+        hub.say("A", "tell X/G:P=1");
+        JSONPICL message;
+        FrameReader reader;
+        reader.take(frameOf("{\"" + std::string(key) + "\":[" + items + "]}"));
+        ASSERT_EQ(reader.next(message), FrameReader::Result::Message) << name;
+        hub.take("B", message);
+        const std::string heard = hub.hears("A");
+        EXPECT_EQ(count(heard, " X/") - count(heard, " X/mark"), arrive) << name;
+    }
+}
+
+TEST(HubLimits, WhoAsksOrSetsOnAndOnIsHeldUntilHalfIsDealtWith) {
+    struct {
+        const char* name;
+        std::string says;
+        const char* isAnswered;
+        int untilHeld;
+    } const kRows[] = {
+        {"single properties", "get X/G:P", "tell X/G:P=1", 1024},
+        {"many at once", "get" + numbered(" X/G:", "", 512), nullptr, 2},
+        {"sets", "set" + numbered(" X/G:", "=1", 64), "miss X/mark", 16},
+        {"long sets", "set X/G:P=" + std::string(64 * 1024, 'v'), "miss X/mark", 16},
+        {"groups", "get X/G:", "miss X/mark", 16},
+        {"all", "get-all", "miss X/mark", 4},
+    };
+    for (const auto& [name, says, isAnswered, untilHeld] : kRows) {
+        ScriptedHub hub;
+        hub.say("A", "tell X/G:P=1");
+        int times = 0;
+        for (; !hub.hears("B").ends_with("is held\n") && times <= untilHeld; ++times)
+            hub.say("B", says);
+        EXPECT_EQ(times, untilHeld) << name;
+        int answers = 0;
+        for (; !hub.hears("B").starts_with("is free\n") && answers <= untilHeld; ++answers)
+            hub.say("A", isAnswered == nullptr ? "tell" + numbered(" X/G:", "=1", 512) : isAnswered);
+        EXPECT_EQ(answers, untilHeld / 2 + 1) << name;
+    }
+}
+
+TEST(HubLimits, WhoIsHeldIsFreeWhenNobodyAnswersInTime) {
+    ScriptedHub hub;
+    hub.say("A", "tell X/G:P=1");
+    hub.say("B", "set X/G:P=" + std::string(1U << 20U, 'v'));
+    EXPECT_EQ(hub.hears("B"), "is held\n");
+    EXPECT_NE(hub.hears("A"), "");
+    EXPECT_EQ(hub.play("time passes"), "time passes\n    B: is free\n");
 }
 
 TEST(HubLimits, WhoWantsMoreThanThereMayBeGoesOrIsNotHeard) {

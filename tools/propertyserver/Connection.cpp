@@ -11,7 +11,7 @@ namespace {
 
 // For what is more than a piece: an idle connection holds no large buffer.
 std::array<char, 65536>& commonBuffer() {
-    static std::array<char, 65536> buffer;
+    thread_local std::array<char, 65536> buffer;
     return buffer;
 }
 
@@ -36,7 +36,7 @@ void Connection::start() {
 }
 
 void Connection::awaitBytes() {
-    if (m_hasEnded || m_holds || m_isReading)
+    if (m_hasEnded || m_parkedBytes > kMostParked || m_isReading)
         return;
     m_isReading = true;
     m_socket.async_read_some(
@@ -76,15 +76,21 @@ void Connection::endOf(const boost::system::error_code& failure) {
 }
 
 void Connection::takeMessages() {
-    while (!m_hasEnded && !m_holds) {
-        JSONPICL message;
-        const FrameReader::Result result = m_reader.next(message);
+    while (!m_hasEnded && m_parkedBytes <= kMostParked) {
+        auto message = std::make_unique<JSONPICL>();
+        const std::size_t before = m_reader.waiting();
+        const FrameReader::Result result = m_reader.next(*message);
         if (result == FrameReader::Result::Refused)
             end("sent what is no message");
         if (result != FrameReader::Result::Message)
             return;
         m_lastWhole = Clock::now();
-        m_handler.take(*this, message);
+        if ((m_holds || !m_parked.empty()) && (message->asks() || message->has(keys::kSetRequests))) {
+            m_parked.push_back({std::move(message), before - m_reader.waiting()});
+            m_parkedBytes += m_parked.back().bytes;
+        } else {
+            m_handler.take(*this, *message);
+        }
     }
 }
 
@@ -107,9 +113,21 @@ void Connection::hold(bool holds) {
     if (holds)
         return;
     asio::post(m_socket.get_executor(), [self = shared_from_this()] { // not inside of a call of the hub
-        self->takeMessages();
-        self->awaitBytes();
+        self->takeParked();
     });
+}
+
+void Connection::takeParked() {
+    const Clock::time_point begin = Clock::now();
+    while (!m_hasEnded && !m_holds && !m_parked.empty()) {
+        const Parked parked = std::move(m_parked.front());
+        m_parked.pop_front();
+        m_parkedBytes -= parked.bytes;
+        m_handler.take(*this, *parked.message);
+    }
+    takeMessages();
+    if (!m_isReading)
+        rest(Clock::now() - begin);
 }
 
 bool Connection::isStuck(Clock::time_point now) const {
@@ -117,23 +135,21 @@ bool Connection::isStuck(Clock::time_point now) const {
 }
 
 void Connection::send(JSONPICL& message) {
-    if (m_hasEnded)
+    if (!hasRoom())
         return;
     m_outbox.send(message.toFrame());
     flush();
-    limit();
 }
 
 void Connection::answer(const std::vector<SharedReport>& reports, bool isForAll) {
-    if (m_hasEnded)
+    if (!hasRoom())
         return;
     m_outbox.answer(reports, isForAll);
     flush();
-    limit();
 }
 
 void Connection::publish(const SharedReport& report) {
-    if (m_hasEnded)
+    if (m_hasEnded || m_isDeaf)
         return;
     m_outbox.publish(report);
     flushSoon();
@@ -162,16 +178,20 @@ void Connection::flush() {
             awaitRoom();
             return;
         }
-        if (failure)
-            end("takes nothing more: " + failure.message());
-        else
-            m_outbox.sent(count);
+        if (failure) { // it may have gone, but what it has sent before counts
+            m_isDeaf = true;
+            m_outbox = {};
+            return;
+        }
+        m_outbox.sent(count);
     }
 }
 
-void Connection::limit() {
+// Who has a long answer to read is not at fault; who asks on and on without reading is.
+bool Connection::hasRoom() {
     if (m_outbox.bytes() > kMostWaiting)
         end("does not read what it is sent");
+    return !m_hasEnded && !m_isDeaf;
 }
 
 void Connection::awaitRoom() {

@@ -9,6 +9,7 @@
 #include <boost/asio/steady_timer.hpp>
 #include <chrono>
 #include <cstddef>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -24,8 +25,13 @@ public:
     using Socket = boost::asio::generic::stream_protocol::socket;
     using Clock = std::chrono::steady_clock;
 
-    /// What may wait to be sent, but for changes: several of the longest frames.
-    static constexpr std::size_t kMostWaiting = 16U << 20U;
+    /// With how much waiting to be sent, but for changes, a message or an answer of any length is still
+    /// taken: several of the longest frames.
+    static constexpr std::size_t kMostWaiting = 32U << 20U;
+
+    /// How much of what it asks and sets waits while it is held, but for one message; behind more nothing is
+    /// read. What it answers passes by.
+    static constexpr std::size_t kMostParked = 256U << 10U;
 
     /// How long the rest of a frame may take.
     static constexpr std::chrono::seconds kFramePatience{10};
@@ -65,11 +71,18 @@ private:
     void readMore();
     void endOf(const boost::system::error_code& failure);
     void takeMessages();
+    void takeParked();
     void rest(Clock::duration spent);
     void flush();
-    void limit();
+    [[nodiscard]] bool hasRoom();
     void flushSoon();
     void awaitRoom();
+
+    // A message that came while the program was held, and its length.
+    struct Parked {
+        std::unique_ptr<JSONPICL> message;
+        std::size_t bytes;
+    };
 
     Socket m_socket;
     boost::asio::steady_timer m_rest;
@@ -78,7 +91,10 @@ private:
     FrameReader m_reader;
     Outbox m_outbox;
     Clock::time_point m_lastWhole; // when there was no part of a frame left
+    std::deque<Parked> m_parked;
+    std::size_t m_parkedBytes = 0;
     bool m_holds = false;
+    bool m_isDeaf = false;     // takes nothing more, but may have sent something before
     bool m_isReading = false;  // a wait for bytes, or a rest, is under way
     bool m_isFlushing = false; // a wait for room, or a flush, is under way
     bool m_hasEnded = false;

@@ -6,12 +6,17 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
 namespace {
 
 constexpr std::size_t kLongestComponent = 64; // a GUID has 36
+constexpr std::size_t kWeightOfGroup = 64;
+constexpr std::size_t kWeightOfAll = 256;
+constexpr std::size_t kBytesAsOne = 1024; // of a set, which has the weight of one more for as many
+constexpr std::size_t kSetsForMark = 64;
 constexpr std::string_view kNoGroup = "00000000-0000-0000-0000-000000000000";
 
 // As a GUID is, and without what separates it from the property in an id.
@@ -28,6 +33,40 @@ PropertyGetRequest escaped(PropertyGetRequest request) {
 }
 
 using Kind = Question::Item::Kind;
+
+/// Requests on their way to an owner, in as many messages as it takes for each to stay within a frame. What
+/// does not fit into one by itself is left out.
+class Parcel {
+public:
+    explicit Parcel(Peer& owner) : m_owner(owner) {}
+
+    template <typename Request>
+    void add(void (JSONPICL::*addTo)(Request), Request request) {
+        std::size_t size = kItemSize + request.component.size() + request.group.size() + request.guid.size();
+        if constexpr (std::is_same_v<Request, PropertySetRequest>)
+            size += request.value.size();
+        if (size > kRoom)
+            return;
+        if (m_size + size > kRoom)
+            send();
+        m_size += size;
+        (m_message.*addTo)(std::move(request));
+    }
+
+    void send() {
+        if (std::exchange(m_size, 0) > 0)
+            m_owner.send(m_message);
+        m_message.clear();
+    }
+
+private:
+    static constexpr std::size_t kItemSize = 64;                     // around the fields of an item, at most
+    static constexpr std::size_t kRoom = frame::kLargestText - 1024; // and around the items
+
+    Peer& m_owner;
+    JSONPICL m_message;
+    std::size_t m_size = 0;
+};
 
 } // namespace
 
@@ -49,10 +88,12 @@ public:
         const auto [place, isNew] = m_known.try_emplace(item.id, m_question.items.size());
         m_question.order.push_back(place->second);
         if (isNew) {
-            if (Directory::Program* program = connected(item.request.component))
+            Directory::Program* const program = connected(item.request.component);
+            if (program != nullptr && item.request.group.size() + item.request.guid.size() <= kLongestKey)
                 m_parts[program].add(m_question.items.size(), kind);
             else
                 item.report = makeNotFound(item.request);
+            m_question.weight += kind == Kind::Group ? kWeightOfGroup : 1;
             m_question.items.push_back(std::move(item));
         }
         return m_question.order.size() <= kMostItems;
@@ -71,16 +112,12 @@ public:
 
     void handOn() const {
         for (const auto& [program, part] : m_parts) {
-            JSONPICL message;
-            for (const std::size_t i : part.items) {
-                PropertyGetRequest request = escaped(m_question.items[i].request);
-                if (part.subscribes)
-                    message.addSubscribeRequest(std::move(request));
-                else
-                    message.addGetRequest(std::move(request));
-            }
+            Parcel parcel(*program->owner);
+            for (const std::size_t i : part.items)
+                parcel.add(part.subscribes ? &JSONPICL::addSubscribeRequest : &JSONPICL::addGetRequest,
+                           escaped(m_question.items[i].request));
             program->isSubscribed |= part.subscribes;
-            program->owner->send(message);
+            parcel.send();
         }
     }
 
@@ -142,8 +179,8 @@ void Hub::promote(const std::string& component) {
 }
 
 void Hub::take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point now) {
-    handOnSets(message);
     Member& member = memberOf(peer);
+    handOnSets(member, message, now);
     takeReports(member, message);
     ask(member, message, now);
     if (message.has(keys::kDisconnect))
@@ -152,29 +189,41 @@ void Hub::take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point
 
 Hub::Member& Hub::memberOf(const Peer& peer) { return *m_places.find(&peer)->second; }
 
-void Hub::handOnSets(const JSONPICL& message) {
+void Hub::handOnSets(Member& member, const JSONPICL& message, Questions::Clock::time_point now) {
     if (!message.has(keys::kSetRequests))
         return;
-    Peer* owner = nullptr;
-    JSONPICL handedOn; // to it
-    const auto send = [&] {
-        if (owner != nullptr)
-            owner->send(handedOn);
-        handedOn.clear();
-    };
+    std::map<Peer*, Parcel> parcels;
     message.forEachSetRequest([&](const PropertySetRequest& request) {
         const Directory::Program* program = m_directory.find(request.component);
         if (program == nullptr || program->owner == nullptr)
             return;
-        if (program->owner != owner)
-            send();
-        owner = program->owner;
-        handedOn.addSetRequest({.guid = escapeText(request.guid),
-                                .group = escapeText(request.group),
-                                .component = escapeText(request.component),
-                                .value = escapeText(request.value)});
+        member.sets[program->owner] += 1 + request.value.size() / kBytesAsOne;
+        Parcel& parcel = parcels.try_emplace(program->owner, *program->owner).first->second;
+        parcel.add(&JSONPICL::addSetRequest, PropertySetRequest{.guid = escapeText(request.guid),
+                                                                .group = escapeText(request.group),
+                                                                .component = escapeText(request.component),
+                                                                .value = escapeText(request.value)});
     });
-    send();
+    for (auto& [owner, parcel] : parcels) {
+        parcel.send();
+        markSets(member, *owner, now);
+    }
+}
+
+// Sets are not answered. Behind many goes a mark, so that who sets faster than the owner takes it is held.
+void Hub::markSets(Member& member, Peer& owner, Questions::Clock::time_point now) {
+    const auto sets = member.sets.find(&owner);
+    if (sets->second < kSetsForMark)
+        return;
+    Question question(*member.peer, false);
+    question.isSilent = true;
+    question.weight = sets->second;
+    member.sets.erase(sets);
+    question.items.emplace_back(Kind::Mark, nextMark(*memberOf(owner).owned.begin()));
+    JSONPICL mark;
+    mark.addGetRequest(escaped(question.items[0].request));
+    enter(member, std::move(question), now);
+    owner.send(mark);
 }
 
 void Hub::takeReports(Member& member, const JSONPICL& message) {
@@ -270,6 +319,7 @@ void Hub::askForAll(Member& member, bool subscribes, Questions::Clock::time_poin
     if (subscribes && m_directory.watchAll(*member.peer))
         ++member.watched;
     Question question(*member.peer, true);
+    question.weight = kWeightOfAll;
     std::vector<Directory::Program*> programs;
     m_directory.forEachConnected([&](const std::string& component, Directory::Program& program) {
         if (program.owner == member.peer)
@@ -293,15 +343,19 @@ void Hub::askForAll(Member& member, bool subscribes, Questions::Clock::time_poin
 }
 
 void Hub::enter(Member& member, Question question, Questions::Clock::time_point now) {
-    if (++member.questions >= kMostQuestions && !std::exchange(member.isHeld, true))
+    member.open += question.weight;
+    if (member.open >= kMostOpen && !std::exchange(member.isHeld, true))
         member.peer->hold(true);
     m_questions.add(std::move(question), now);
 }
 
 void Hub::answer(const Question& question) {
     Member& asker = memberOf(*question.asker);
-    if (--asker.questions < kMostQuestions / 2 && std::exchange(asker.isHeld, false))
+    asker.open -= question.weight;
+    if (asker.open < kMostOpen / 2 && std::exchange(asker.isHeld, false))
         asker.peer->hold(false);
+    if (question.isSilent)
+        return;
     std::vector<SharedReport> reports;
     if (question.isForAll)
         reports = everythingBut(*question.asker);

@@ -21,10 +21,11 @@
 class Hub {
 public:
     // What one peer may do. Beyond it a peer is held, or its connection ends.
-    static constexpr std::size_t kMostQuestions = 256; ///< Without an answer yet: it is held.
-    static constexpr std::size_t kMostItems = 4096;    ///< Asked for in one message.
-    static constexpr std::size_t kMostWatched = 4096;  ///< Properties and groups.
-    static constexpr std::size_t kMostPrograms = 16;   ///< That it speaks for, or would like to.
+    static constexpr std::size_t kMostOpen = 1024;    ///< Asked for and set, and not dealt with: it is held.
+    static constexpr std::size_t kMostItems = 4096;   ///< Asked for in one message.
+    static constexpr std::size_t kLongestKey = 1024;  ///< Of group and property; longer ones are not found.
+    static constexpr std::size_t kMostWatched = 4096; ///< Properties and groups.
+    static constexpr std::size_t kMostPrograms = 16;  ///< That it speaks for, or would like to.
 
     using Log = std::function<void(std::string_view)>;
 
@@ -52,7 +53,8 @@ private:
         Peer* peer;
         std::set<std::string, std::less<>> owned;  // components
         std::set<std::string, std::less<>> wanted; // components that others own
-        std::size_t questions = 0;
+        std::map<const Peer*, std::size_t> sets;   // for each owner, since its last mark
+        std::size_t open = 0;
         std::size_t watched = 0;
         bool isHeld = false;
         bool isFull = false; // something of it was not taken
@@ -60,7 +62,8 @@ private:
     class Inquiry;
 
     [[nodiscard]] Member& memberOf(const Peer& peer);
-    void handOnSets(const JSONPICL& message);
+    void handOnSets(Member& member, const JSONPICL& message, Questions::Clock::time_point now);
+    void markSets(Member& member, Peer& owner, Questions::Clock::time_point now);
     void takeReports(Member& member, const JSONPICL& message);
     [[nodiscard]] Directory::Program* programOf(Member& member, const std::string& component);
     void promote(const std::string& component);

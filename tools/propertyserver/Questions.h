@@ -36,7 +36,9 @@ struct Question {
     Question(Peer& theAsker, bool forAll) : asker(&theAsker), isForAll(forAll) {}
 
     Peer* asker;            ///< Absent once it has gone.
-    bool isForAll; ///< Answered out of the directory.
+    bool isForAll;          ///< Answered out of the directory.
+    bool isSilent = false;  ///< Not answered at all.
+    std::size_t weight = 0; ///< Of the work that it makes, in properties.
     std::vector<Item> items;
     std::vector<std::size_t> order; ///< Of the items in the answer, repeated ones repeatedly.
 };
