@@ -201,7 +201,7 @@ void ScriptedServer::send(Connection& connection, std::vector<PropertyGetRespons
     message.addGetResponses(std::move(responses));
     if (isForAll)
         message.addGetAllPropertiesResponse();
-    write(connection, frameOf(message));
+    write(connection, message.toFrame());
 }
 
 void ScriptedServer::write(Connection& connection, const std::string& bytes) const {

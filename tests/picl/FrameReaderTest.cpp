@@ -17,7 +17,7 @@ std::string readInPieces(std::string_view bytes, std::size_t size) {
         reader.take(bytes.substr(0, size));
         JSONPICL message;
         while ((result = reader.next(message)) == Result::Message)
-            text += frameOf(message).substr(frame::kHeaderSize) + '\n';
+            text += message.toFrame().substr(frame::kHeaderSize) + '\n';
     }
     text += result == Result::Refused ? "refused" : std::to_string(reader.waiting()) + " wait";
     return text;

@@ -36,7 +36,7 @@ std::string taken(Outbox& outbox, std::size_t atOnce = std::string::npos) {
 std::string frame(const ShortHand& text) {
     JSONPICL message;
     write(text, message);
-    return frameOf(message);
+    return message.toFrame();
 }
 
 TEST(Outbox, HasTheLastValueOfEachPropertyInTheOrderOfTheirLastChanges) {

@@ -73,7 +73,7 @@ public:
     void says(const ShortHand& text) const {
         JSONPICL message;
         ::write(text, message);
-        const std::string frame = frameOf(message);
+        const std::string frame = message.toFrame();
         EXPECT_EQ(::send(m_socket.value(), frame.data(), frame.size(), MSG_NOSIGNAL),
                   static_cast<ssize_t>(frame.size()));
     }
@@ -224,7 +224,7 @@ TEST_P(Rude, HarmsNobody) {
 void writeAgain(Program& program, const ShortHand& text, const std::atomic<bool>& goesOn) {
     JSONPICL message;
     write(text, message);
-    const std::string frame = frameOf(message);
+    const std::string frame = message.toFrame();
     while (program.write(frame, goesOn)) {
     }
 }

@@ -63,7 +63,7 @@ std::string verbOf(const PropertyGetResponse& report) {
 } // namespace
 
 bool travel(JSONPICL& message, JSONPICL& received) {
-    const std::string frame = frameOf(message);
+    const std::string frame = message.toFrame();
     EXPECT_LE(frame.size(), frame::kHeaderSize + frame::kLargestText);
     FrameReader reader;
     reader.take(frame);

@@ -205,7 +205,7 @@ PropertyClient::~PropertyClient() = default;
 void PropertyClient::interruptOnSignals() { m_connection->interruptOnSignals(); }
 
 PropertyClient::Result PropertyClient::send(JSONPICL& message, Clock::time_point deadline) {
-    return m_connection->send(frameOf(message), deadline);
+    return m_connection->send(message.toFrame(), deadline);
 }
 
 PropertyClient::Result PropertyClient::receive(JSONPICL& message, Clock::time_point deadline) {
