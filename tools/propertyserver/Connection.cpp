@@ -72,7 +72,8 @@ void Connection::readMore() {
 }
 
 void Connection::endOf(const boost::system::error_code& failure) {
-    end(failure == asio::error::eof ? "has gone" : "has gone: " + failure.message());
+    const bool isUsual = failure == asio::error::eof || failure == asio::error::connection_reset;
+    end(isUsual ? std::string(kHasGone) : "has gone: " + failure.message());
 }
 
 void Connection::takeMessages() {

@@ -150,8 +150,11 @@ Hub::Hub(Log log) : m_log(std::move(log)), m_questions([this](Question& question
 
 void Hub::join(Peer& peer) { m_places[&peer] = m_members.insert(m_members.end(), Member(peer)); }
 
-void Hub::leave(Peer& peer) {
+void Hub::leave(Peer& peer, std::string_view why) {
     const auto place = m_places.find(&peer);
+    const std::string& name = place->second->name;
+    if (!name.empty() || (why != kHasGone && why != kHasSaidGoodbye))
+        m_log((name.empty() ? "a program" : name) + ' ' + std::string(why));
     const auto owned = std::move(place->second->owned);
     m_questions.forget(peer);
     if (place->second->watched > 0)
@@ -184,7 +187,7 @@ void Hub::take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point
     takeReports(member, message);
     ask(member, message, now);
     if (message.has(keys::kDisconnect))
-        peer.end("has said goodbye");
+        peer.end(kHasSaidGoodbye);
 }
 
 Hub::Member& Hub::memberOf(const Peer& peer) { return *m_places.find(&peer)->second; }
@@ -236,9 +239,7 @@ void Hub::takeReports(Member& member, const JSONPICL& message) {
 
 void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer) {
     const bool isFound = arrived.status != status::kNotFound;
-    Directory::Program* program = isFound || member.owned.find(arrived.component) != member.owned.end()
-                                      ? programOf(member, arrived.component)
-                                      : nullptr;
+    Directory::Program* program = programOf(member, arrived);
     if (program == nullptr)
         return;
     const auto report = std::make_shared<const Report>(std::move(arrived));
@@ -248,27 +249,37 @@ void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer)
     bool isTaken = false;
     const SharedReport last = m_directory.remember(*program, report, isTaken);
     if (!isTaken && !std::exchange(member.isFull, true))
-        m_log("the program " + quoted(report->component()) + " has more properties than are kept");
+        m_log(member.name + " has more properties than are kept");
     const bool isGone = report->record.status == status::kNoLongerAvailable;
     const bool isNews = last ? isGone || !isAnswer || last->record.value != report->record.value : !isGone;
     if (isTaken && isNews)
         m_directory.deliver(*program, report);
 }
 
-Directory::Program* Hub::programOf(Member& member, const std::string& component) {
+// Returns null where the report is not to be taken.
+Directory::Program* Hub::programOf(Member& member, const PropertyGetResponse& report) {
+    const std::string& component = report.component;
     if (member.owned.find(component) != member.owned.end())
         return m_directory.find(component);
-    if (!isComponent(component) || member.wanted.find(component) != member.wanted.end() ||
+    if (report.status == status::kNotFound || !isComponent(component) ||
+        member.wanted.find(component) != member.wanted.end() ||
         member.owned.size() + member.wanted.size() >= kMostPrograms)
         return nullptr;
-    Directory::Program* program = m_directory.claim(*member.peer, component);
+    return claim(member, report);
+}
+
+Directory::Program* Hub::claim(Member& member, const PropertyGetResponse& report) {
+    Directory::Program* program = m_directory.claim(*member.peer, report.component);
+    const std::string name = quoted(report.componentString);
     if (program == nullptr) {
-        member.wanted.insert(component);
-        m_log("the program " + quoted(component) +
-              " is connected already; what another one says for it is not taken");
+        member.wanted.insert(report.component);
+        m_log(name + " is connected already; what another program says in its name is not taken");
         return nullptr;
     }
-    member.owned.insert(component);
+    m_log(name + " has come");
+    if (member.owned.empty())
+        member.name = name;
+    member.owned.insert(report.component);
     if (m_directory.isWatched(*program)) {
         JSONPICL message;
         message.addSubscribeAll();

@@ -34,8 +34,9 @@ public:
 
     void join(Peer& peer);
 
-    /// Takes leave of @p peer: what it owned has gone, what it asked is forgotten.
-    void leave(Peer& peer);
+    /// Takes leave of @p peer: what it owned has gone, what it asked is forgotten. @p why goes into the log,
+    /// but for one that was never known and just went.
+    void leave(Peer& peer, std::string_view why = kHasGone);
 
     /// Deals with a message of @p peer: its sets, its reports, its questions, in this order.
     void take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point now);
@@ -51,6 +52,7 @@ private:
         explicit Member(Peer& thePeer) : peer(&thePeer) {}
 
         Peer* peer;
+        std::string name;                          // of its first component, as people read it
         std::set<std::string, std::less<>> owned;  // components
         std::set<std::string, std::less<>> wanted; // components that others own
         std::map<const Peer*, std::size_t> sets;   // for each owner, since its last mark
@@ -65,7 +67,8 @@ private:
     void handOnSets(Member& member, const JSONPICL& message, Questions::Clock::time_point now);
     void markSets(Member& member, Peer& owner, Questions::Clock::time_point now);
     void takeReports(Member& member, const JSONPICL& message);
-    [[nodiscard]] Directory::Program* programOf(Member& member, const std::string& component);
+    [[nodiscard]] Directory::Program* programOf(Member& member, const PropertyGetResponse& report);
+    [[nodiscard]] Directory::Program* claim(Member& member, const PropertyGetResponse& report);
     void promote(const std::string& component);
     void takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer);
     void ask(Member& member, const JSONPICL& message, Questions::Clock::time_point now);

@@ -29,6 +29,10 @@ struct Report {
 
 using SharedReport = std::shared_ptr<const Report>;
 
+/// Why a connection ends, where nothing is wrong with that.
+inline constexpr std::string_view kHasGone = "has gone";
+inline constexpr std::string_view kHasSaidGoodbye = "has said goodbye";
+
 /// A program, as the hub sees it: the other end of a connection.
 ///
 /// Nothing here blocks, and none of it calls the hub: what a call leads to, the end of the connection too,
@@ -55,6 +59,6 @@ public:
     /// somebody waits for them.
     virtual void hold(bool holds) = 0;
 
-    /// Ends the connection; @p why is a sentence for the log.
+    /// Ends the connection; @p why is the log's sentence without its subject.
     virtual void end(std::string_view why) = 0;
 };

@@ -203,8 +203,7 @@ void PropertyServer::Loop::takeLocal(std::string frame) {
 }
 
 void PropertyServer::Loop::drop(Connection& connection, std::string_view why) {
-    m_options.log("a program " + std::string(why));
-    m_hub.leave(connection);
+    m_hub.leave(connection, why);
     m_connections.erase(connection.shared_from_this());
 }
 
