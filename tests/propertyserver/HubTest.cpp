@@ -273,13 +273,6 @@ std::string repeated(const std::string& text, std::size_t times) {
     return all;
 }
 
-std::string numbered(const std::string& begin, const std::string& end, std::size_t many) {
-    std::string all;
-    for (std::size_t i = 0; i < many; ++i)
-        all += begin + std::to_string(i) + end;
-    return all;
-}
-
 std::size_t count(const std::string& text, const std::string& what) {
     std::size_t found = 0;
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
@@ -332,7 +325,7 @@ TEST(HubLimits, WhoAsksOrSetsOnAndOnIsHeldUntilHalfIsDealtWith) {
         {"single properties", "get X/G:P", "tell X/G:P=1", 1024},
         {"many at once", "get" + numbered(" X/G:", "", 512), nullptr, 2},
         {"sets", "set" + numbered(" X/G:", "=1", 64), "miss X/mark", 16},
-        {"long sets", "set X/G:P=" + std::string(64 * 1024, 'v'), "miss X/mark", 16},
+        {"long sets", "set X/G:P=" + std::string(65'536, 'v'), "miss X/mark", 16},
         {"groups", "get X/G:", "miss X/mark", 16},
         {"all", "get-all", "miss X/mark", 4},
     };

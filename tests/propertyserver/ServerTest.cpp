@@ -27,13 +27,6 @@ const std::string kFirmware(vocabulary::components::kFirmwareDriver.guid);
 const std::string kDots = kFirmware + '/' + std::string(vocabulary::groups::kGeneral.guid) + ':' +
                           std::string(vocabulary::properties::kDotsPerInch.guid);
 
-std::string numbered(const std::string& begin, const std::string& end, int many, int from = 0) {
-    std::string all;
-    for (int i = from; i < from + many; ++i)
-        all += begin + std::to_string(i) + end;
-    return all;
-}
-
 /// A program that a test speaks for, at its end of a connection.
 class Program {
 public:
@@ -262,7 +255,7 @@ const RudeProgram kRudePrograms[] = {
     {"WhoWatchesAllAndGoes", [](Program& program, const std::atomic<bool>&) { program.says("watch-all"); }},
     {"WhoReportsEverNewProperties",
      [](Program& program, const std::atomic<bool>& goesOn) {
-         for (int i = 0; goesOn; i += 1000)
+         for (std::size_t i = 0; goesOn; i += 1000)
              program.says("tell" + numbered(" RUDE/G:", "=1", 1000, i));
      }},
     {"WhoSpeaksForOthers",
@@ -284,7 +277,7 @@ TEST_F(Server, WhoDoesNotReadIsToldTheLastValuesOnceItDoes) {
     slow.says("watch-all");
     EXPECT_NE(slow.hears(), "");
     Program teller;
-    constexpr int kProperties = 10;
+    constexpr std::size_t kProperties = 10;
     constexpr int kChanges = 1000;
     const std::string value = "=" + std::string(300, 'v');
     for (int change = 0; change < kChanges; ++change)
@@ -322,7 +315,7 @@ TEST_F(Server, WhatAProgramSendsLastIsDoneThoughItGoesAtOnce) {
 }
 
 TEST_F(Server, WhoIsHeldAsksNoMoreAndIsHeardAllTheSame) {
-    const int many = static_cast<int>(Hub::kMostOpen);
+    constexpr std::size_t many = Hub::kMostOpen;
     Program owner;
     owner.says("tell X/G:P=1 watch Y/G:P");
     EXPECT_EQ(owner.hears(), "miss Y/G:P");

@@ -129,3 +129,10 @@ ShortHand shortHand(const JSONPICL& message) {
         text.add(watches ? "watch" : "get", request);
     return text.text();
 }
+
+std::string numbered(const std::string& begin, const std::string& end, std::size_t many, std::size_t first) {
+    std::string all;
+    for (std::size_t i = first; i < first + many; ++i)
+        all.append(begin).append(std::to_string(i)).append(end);
+    return all;
+}

@@ -2,7 +2,7 @@
 
 #include "picl/JSONPICL.h"
 
-#include <functional>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -23,3 +23,7 @@ void write(const ShortHand& text, JSONPICL& message);
 
 /// Returns the message in short hand.
 ShortHand shortHand(const JSONPICL& message);
+
+/// Returns @p many times @p begin, a number and @p end; the numbers ascend from @p first.
+std::string numbered(const std::string& begin, const std::string& end, std::size_t many,
+                     std::size_t first = 0);
