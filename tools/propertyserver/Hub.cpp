@@ -276,9 +276,10 @@ Directory::Program* Hub::claim(Member& member, const PropertyGetResponse& report
         m_log(name + " is connected already; what another program says in its name is not taken");
         return nullptr;
     }
-    m_log(name + " has come");
-    if (member.owned.empty())
+    if (member.owned.empty()) {
         member.name = name;
+        m_log(name + " has come");
+    }
     member.owned.insert(report.component);
     if (m_directory.isWatched(*program)) {
         JSONPICL message;

@@ -83,6 +83,7 @@ private:
     LocalProgram m_firmware;
     FrameReader m_firmwareReader;
     std::set<std::shared_ptr<Connection>> m_connections;
+    bool m_isListening = false;
     bool m_isTicking = false;
 };
 
@@ -91,7 +92,10 @@ PropertyServer::Loop::Loop(PropertyServerOptions options)
       m_handler{[this](Connection& connection, const JSONPICL& message) { take(connection, message); },
                 [this] { tick(); },
                 [this](Connection& connection, std::string_view why) { drop(connection, why); }},
-      m_hub(m_options.log),
+      m_hub([this](std::string_view sentence) {
+          if (m_isListening) // the firmware is there before anybody else
+              m_options.log(sentence);
+      }),
       m_firmware(vocabulary::components::kFirmwareDriver, [this](std::string frame) {
           asio::post(context, [this, said = std::move(frame)]() mutable { takeLocal(std::move(said)); });
       }) {
@@ -115,7 +119,8 @@ PropertyServer::Loop::~Loop() {
 
 bool PropertyServer::Loop::listen(std::string& why) {
     static_cast<void>(os::raiseDescriptorLimit()); // what it was is what there is
-    return listenOnDevice(why) && (m_options.tcpAddress.empty() || listenOnTcp(why));
+    m_isListening = listenOnDevice(why) && (m_options.tcpAddress.empty() || listenOnTcp(why));
+    return m_isListening;
 }
 
 bool PropertyServer::Loop::listenOnDevice(std::string& why) {
