@@ -1,3 +1,5 @@
+#include "property/PropertyFile.h"
+#include "property/PropertyVocabulary.h"
 #include "tests/commandline/PiclRun.h"
 #include "tests/process/ProcessTest.h"
 
@@ -10,7 +12,7 @@ class PropertyCommandTest : public ProcessTest {
 protected:
     PropertyCommandTest() {
         std::filesystem::create_directory(printer() / "store");
-        server = start({"serve", "--quiet"});
+        server = start({"serve"});
         EXPECT_TRUE(server->prints("Listening on " + (printer() / "dev/PRN0").string() + '\n'));
         application = startApplication();
         EXPECT_TRUE(isUp()) << output("UpgradeUI");
@@ -24,6 +26,28 @@ protected:
     std::string says(const std::vector<std::string>& arguments, const std::string& input = "") {
         const auto run = start(arguments, input);
         return run->status() == 0 ? run->out() : run->err();
+    }
+
+    /// Starts an application with a device root of its own, but for the property server; @p unit is its
+    /// "Measurement Unit".
+    std::unique_ptr<ChildProcess> startBeside(const std::string& name, const std::string& unit) {
+        namespace fs = std::filesystem;
+        const fs::path folder = programFolder() / name;
+        for (const char* part : {"dev", "store"})
+            fs::create_directories(folder / "printer" / part);
+        fs::copy(programFolder() / "UpgradeUI", folder);
+        fs::create_directory_symlink(printer() / "hard disk", folder / "printer/hard disk");
+        fs::create_symlink(printer() / "dev/PRN0", folder / "printer/dev/PRN0");
+        std::ofstream(folder / "printer/store/AppPreferences.ini", std::ios::binary) << withFileCheck(
+            std::string(vocabulary::groups::kDisplayPreferences.guid) + ':' +
+            std::string(vocabulary::properties::kMeasurementUnit.guid) + "|a group:a name=" + unit + '\n');
+        return std::make_unique<ChildProcess>(std::vector{(folder / "UpgradeUI").string()},
+                                              folder / "output");
+    }
+
+    /// Returns whether a value comes to be @p value.
+    bool becomes(const std::string& name, const std::string& value) {
+        return eventually([&] { return says({"get", name}) == value + '\n'; });
     }
 
     // This one comes last.
@@ -90,6 +114,27 @@ TEST_F(PropertyCommandTest, AWatchSeesTheApplicationGoAndComeBackAndTheServerGo)
     EXPECT_EQ(server->status(), 0);
     EXPECT_EQ(watch->status(), 1);
     EXPECT_EQ(watch->err(), "picl: the property server has gone; start it again with \"picl serve\"\n");
+}
+
+TEST_F(PropertyCommandTest, ThreeApplicationsShareAServerAndTheNextSpeaksWhereOneGoes) {
+    const std::string come = "picl serve: \"Upgrade UI\" has come\n";
+    const std::string waits =
+        "picl serve: \"Upgrade UI\" is connected already; what another program says in its "
+        "name is not taken\n";
+    const std::string gone = "picl serve: \"Upgrade UI\" has gone\n";
+    const auto tells = [this](const std::string& text) {
+        return eventually([&] { return server->err() == text; });
+    };
+    const auto second = startBeside("second", "2");
+    EXPECT_TRUE(tells(come + waits)) << server->err();
+    EXPECT_EQ(says({"get", "Measurement Unit"}), "0\n") << "the first keeps its place";
+    application->kill();
+    EXPECT_TRUE(becomes("Measurement Unit", "2"));
+    const auto third = startBeside("third", "3");
+    EXPECT_TRUE(tells(come + waits + gone + come + waits)) << server->err();
+    second->kill();
+    EXPECT_TRUE(becomes("Measurement Unit", "3"));
+    EXPECT_EQ(says({"set", "Measurement Unit", "5"}), "Measurement Unit = 5\n");
 }
 
 } // namespace
