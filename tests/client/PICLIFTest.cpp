@@ -1,6 +1,7 @@
 #include "picl/PICLIF.h"
 
 #include "picl/PICLServerAgent.h"
+#include "platform/HandleStream.h"
 #include "platform/ThreadFactory.h"
 #include "prefs/ApplicationIdentity.h"
 #include "prefs/DisplayPreferences.h"
@@ -9,7 +10,6 @@
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/LoopbackPort.h"
 #include "tests/support/PrinterDevice.h"
-#include "platform/HandleStream.h"
 #include "json/JSONImporterExporter.h"
 
 #include <atomic>

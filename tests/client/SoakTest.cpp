@@ -1,13 +1,13 @@
 #include "app/UpgradeInterface.h"
 #include "app/UpgradeMessage.h"
 #include "picl/PICLIF.h"
+#include "platform/HandleStream.h"
 #include "platform/ThreadFactory.h"
 #include "property/PropertyVocabulary.h"
 #include "property/PublishingPropertyManager.h"
 #include "property/UInt32Property.h"
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/PrinterDevice.h"
-#include "platform/HandleStream.h"
 #include "tools/upgrader/UpgraderLink.h"
 
 #include <atomic>

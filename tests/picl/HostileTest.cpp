@@ -1,8 +1,8 @@
+#include "platform/HandleStream.h"
 #include "property/UInt32Property.h"
 #include "tests/picl/Member.h"
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/FaultyStream.h"
-#include "platform/HandleStream.h"
 #include "json/JSONImporterExporter.h"
 
 #include <sys/socket.h>

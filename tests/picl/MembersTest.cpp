@@ -1,3 +1,4 @@
+#include "platform/HandleStream.h"
 #include "platform/OXPLStreamDriverInterface.h"
 #include "property/ExternalAppProperty.h"
 #include "property/UInt32Property.h"
@@ -5,7 +6,6 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/DeviceRootTest.h"
 #include "tests/support/PrinterDevice.h"
-#include "platform/HandleStream.h"
 
 #include <condition_variable>
 #include <cstring>
