@@ -11,7 +11,7 @@ LocalProgram::LocalProgram(const VocabularyEntry& component, Say say)
     : m_say(std::move(say)),
       m_component(makeProperty<StringProperty>(vocabulary::groups::kComponents, component, component.name)) {}
 
-void LocalProgram::add(std::shared_ptr<Property> property) {
+void LocalProgram::add(const std::shared_ptr<Property>& property) {
     m_table.addProperty(property);
     property->addListener([this](const std::shared_ptr<Property>& changed) { report(*changed); });
     report(*property);

@@ -23,7 +23,7 @@ public:
     LocalProgram(const VocabularyEntry& component, Say say);
 
     /// Adds @p property and reports it. The program outlives its changes.
-    void add(std::shared_ptr<Property> property);
+    void add(const std::shared_ptr<Property>& property);
 
     /// Does with @p message what a program does: takes sets, answers questions.
     void send(JSONPICL& message) override;

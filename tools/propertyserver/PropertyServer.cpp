@@ -66,7 +66,7 @@ private:
     template <typename Socket>
     void admit(Socket socket);
     void take(Peer& peer, const JSONPICL& message);
-    void takeLocal(std::string frame);
+    void takeLocal(const std::string& frame);
     void drop(Connection& connection, std::string_view why);
     void tick();
     [[nodiscard]] bool endWaiting(Questions::Clock::time_point now);
@@ -97,7 +97,7 @@ PropertyServer::Loop::Loop(PropertyServerOptions options)
               m_options.log(sentence);
       }),
       m_firmware(vocabulary::components::kFirmwareDriver, [this](std::string frame) {
-          asio::post(context, [this, said = std::move(frame)]() mutable { takeLocal(std::move(said)); });
+          asio::post(context, [this, said = std::move(frame)] { takeLocal(said); });
       }) {
     namespace groups = vocabulary::groups;
     namespace properties = vocabulary::properties;
@@ -200,7 +200,7 @@ void PropertyServer::Loop::take(Peer& peer, const JSONPICL& message) {
         tick();
 }
 
-void PropertyServer::Loop::takeLocal(std::string frame) {
+void PropertyServer::Loop::takeLocal(const std::string& frame) {
     m_firmwareReader.take(frame);
     JSONPICL message;
     while (m_firmwareReader.next(message) == FrameReader::Result::Message)
