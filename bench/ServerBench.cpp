@@ -147,6 +147,7 @@ private:
 
 void waitForAll(std::deque<Watcher>& watchers, const std::string& value) {
     std::vector<pollfd> polled;
+    polled.reserve(watchers.size());
     for (const Watcher& watcher : watchers)
         polled.push_back({watcher.handle(), POLLIN, 0});
     while (!std::all_of(watchers.begin(), watchers.end(),
