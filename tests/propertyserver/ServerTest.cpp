@@ -352,6 +352,14 @@ TEST_F(Server, TellsWhatIsSetOfTheFirmware) {
     EXPECT_EQ(program.hears(), "tell " + kDots + "=600");
 }
 
+TEST_F(Server, AnAnswerOfTheFirmwareMayBeLongerThanAFrame) {
+    const ShortHand item = ' ' + kFirmware + "/G:" + std::string(900, 'p');
+    Program program;
+    program.says("get" + numbered(item, "", Hub::kMostItems));
+    EXPECT_NE(program.hearsUpTo("p" + std::to_string(Hub::kMostItems - 1)).find("miss"), std::string::npos);
+    EXPECT_NE(Program().asksFirmware().find("=300"), std::string::npos);
+}
+
 TEST_F(Server, SaysGoodbyeAtItsEndAndRemovesItsSocket) {
     Program program;
     Program silent; // in the middle of a frame

@@ -2,6 +2,7 @@
 
 #include "picl/FrameReader.h"
 #include "picl/PropertyReports.h"
+#include "picl/ReportFrames.h"
 #include "property/MakeProperty.h"
 #include "property/StringProperty.h"
 
@@ -45,16 +46,20 @@ void LocalProgram::takeSets(const JSONPICL& message) const {
 }
 
 void LocalProgram::answer(const JSONPICL& message) const {
-    JSONPICL answer;
-    auto reports = std::make_unique<PropertyGetResponses>();
-    if (message.asksForAll()) {
-        appendAll(*reports, m_table, *m_component);
-        answer.addGetAllPropertiesResponse();
-    } else {
+    const bool isForAll = message.asksForAll();
+    PropertyGetResponses reports;
+    if (isForAll)
+        appendAll(reports, m_table, *m_component);
+    else
         message.forEachGetRequest([&](const PropertyGetRequest& request) {
-            appendAnswer(*reports, m_table, request, *m_component);
+            appendAnswer(reports, m_table, request, *m_component);
         });
-    }
-    answer.addGetResponses(std::move(reports));
-    m_say(answer.toFrame());
+    JSONPICL answer;
+    ReportFrames frames(answer, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
+                        [this](JSONPICL& frame) {
+                            m_say(frame.toFrame());
+                            return true;
+                        });
+    frames.add(std::move(reports));
+    static_cast<void>(frames.finish()); // nothing fails there
 }

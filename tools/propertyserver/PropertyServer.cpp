@@ -1,5 +1,6 @@
 #include "tools/propertyserver/PropertyServer.h"
 
+#include "picl/FrameReader.h"
 #include "platform/os/DescriptorLimit.h"
 #include "platform/os/LocalListener.h"
 #include "property/BoolProperty.h"
@@ -81,7 +82,6 @@ private:
     asio::signal_set m_signals{context};
     Hub m_hub;
     LocalProgram m_firmware;
-    FrameReader m_firmwareReader;
     std::set<std::shared_ptr<Connection>> m_connections;
     bool m_isListening = false;
     bool m_isTicking = false;
@@ -201,9 +201,10 @@ void PropertyServer::Loop::take(Peer& peer, const JSONPICL& message) {
 }
 
 void PropertyServer::Loop::takeLocal(const std::string& frame) {
-    m_firmwareReader.take(frame);
+    FrameReader reader; // one for each: what one frame is does not concern the next
+    reader.take(frame);
     JSONPICL message;
-    while (m_firmwareReader.next(message) == FrameReader::Result::Message)
+    while (reader.next(message) == FrameReader::Result::Message)
         m_hub.take(m_firmware, message, Questions::Clock::now());
 }
 
