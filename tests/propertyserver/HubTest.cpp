@@ -384,6 +384,14 @@ TEST(HubLimits, WhoWantsMoreThanThereMayBeGoesOrIsNotHeard) {
     EXPECT_EQ(hub.hears("A"), "") << "components that can be none";
 }
 
+TEST(HubLimits, WhatIsTooLongToBeFoundIsNotWatched) {
+    const std::string property = "X/G:" + std::string(Hub::kLongestKey, 'p');
+    ScriptedHub hub;
+    EXPECT_EQ(hub.play("A: watch " + property + "\nB: tell " + property + "=1\n"),
+              "A: watch " + property + "\n    A: has the answer miss " + property + "\nB: tell " + property +
+                  "=1\n");
+}
+
 TEST(Hub, EveryTextArrivesAsItWasSent) {
     std::string all;
     for (int byte = 1; byte <= 0xFF; ++byte)

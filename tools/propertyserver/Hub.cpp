@@ -26,6 +26,10 @@ bool isComponent(std::string_view text) {
 
 std::string quoted(std::string_view text) { return '"' + escapeText(text) + '"'; }
 
+bool isTooLong(const PropertyGetRequest& request) {
+    return request.group.size() + request.guid.size() > Hub::kLongestKey;
+}
+
 PropertyGetRequest escaped(PropertyGetRequest request) {
     for (std::string* text : {&request.component, &request.group, &request.guid})
         escapeInPlace(*text);
@@ -89,7 +93,7 @@ public:
         m_question.order.push_back(place->second);
         if (isNew) {
             Directory::Program* const program = connected(item.request.component);
-            if (program != nullptr && item.request.group.size() + item.request.guid.size() <= kLongestKey)
+            if (program != nullptr && !isTooLong(item.request))
                 m_parts[program].add(m_question.items.size(), kind);
             else
                 item.report = makeNotFound(item.request);
@@ -318,7 +322,7 @@ bool Hub::subscribe(Member& member, const JSONPICL& message, Inquiry& inquiry) {
     message.forEachSubscribeRequest([&](const PropertyGetRequest& request) {
         isWithinLimits =
             isWithinLimits && request.component.size() <= kLongestComponent && member.watched < kMostWatched;
-        if (!isWithinLimits)
+        if (!isWithinLimits || isTooLong(request)) // the latter is not found
             return;
         if (m_directory.watch(*member.peer, request.component, request.group, request.guid))
             ++member.watched;
