@@ -16,6 +16,7 @@
 #include <atomic>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -26,6 +27,21 @@ using Clock = std::chrono::steady_clock;
 const std::string kFirmware(vocabulary::components::kFirmwareDriver.guid);
 const std::string kDots = kFirmware + '/' + std::string(vocabulary::groups::kGeneral.guid) + ':' +
                           std::string(vocabulary::properties::kDotsPerInch.guid);
+
+void connectToDevice(const os::Descriptor& socket) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, os::devicePath("PRN0:").c_str(), sizeof address.sun_path - 1);
+    EXPECT_EQ(::connect(socket.value(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+}
+
+void connectToTcp(const os::Descriptor& socket, std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    EXPECT_EQ(::connect(socket.value(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+}
 
 /// A program that a test speaks for, at its end of a connection.
 class Program {
@@ -41,11 +57,7 @@ public:
 
     /// Connects to the device.
     Program() : Program(os::Descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0))) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, os::devicePath("PRN0:").c_str(), sizeof address.sun_path - 1);
-        EXPECT_EQ(::connect(m_socket.value(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
-                  0);
+        connectToDevice(m_socket);
     }
 
     /// Writes @p bytes, as long as @p goesOn. Returns whether all went out.
@@ -124,6 +136,9 @@ protected:
         PropertyServerOptions options;
         options.devicePath = os::devicePath("PRN0:");
         options.tcpAddress = "127.0.0.1";
+        options.log = [this](std::string_view sentence) {
+            notTaken += sentence.starts_with("cannot take a connection") ? 1 : 0;
+        };
         server = PropertyServer::create(options, why);
         ASSERT_TRUE(server) << why;
         m_thread = std::thread([this] { server->run(); });
@@ -138,6 +153,7 @@ protected:
     }
 
     std::unique_ptr<PropertyServer> server;
+    std::atomic<int> notTaken = 0; // connections, each time that it was tried
 
 private:
     std::thread m_thread;
@@ -340,6 +356,30 @@ TEST_F(Server, ServesOnTcpAsOnTheDevice) {
     Program other;
     other.says("set X/G:P=2");
     EXPECT_EQ(program.hears(), "set X/G:P=2");
+}
+
+TEST_F(Server, TakesConnectionsOnDeviceAndTcpOnceThereAreDescriptorsAgain) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit few{.rlim_cur = 100, .rlim_max = before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    const auto makeSocket = [](int family) {
+        return os::Descriptor(::socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    };
+    os::Descriptor device = makeSocket(AF_UNIX);
+    os::Descriptor tcp = makeSocket(AF_INET);
+    {
+        std::vector<os::Descriptor> all;
+        do
+            all.push_back(makeSocket(AF_UNIX));
+        while (all.back().isOpen());
+        connectToDevice(device);
+        connectToTcp(tcp, server->tcpPort());
+        EXPECT_TRUE(eventually([&] { return notTaken >= 4; }));
+    }
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_NE(Program(std::move(device)).asksFirmware().find("=300"), std::string::npos);
+    EXPECT_NE(Program(std::move(tcp)).asksFirmware().find("=300"), std::string::npos);
 }
 
 TEST_F(Server, TellsWhatIsSetOfTheFirmware) {

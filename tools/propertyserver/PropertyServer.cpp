@@ -63,7 +63,7 @@ private:
     [[nodiscard]] bool listenOnDevice(std::string& why);
     [[nodiscard]] bool listenOnTcp(std::string& why);
     template <typename Acceptor>
-    void accept(Acceptor& acceptor);
+    void accept(Acceptor& acceptor, asio::steady_timer& pause);
     template <typename Socket>
     void admit(Socket socket);
     void take(Peer& peer, const JSONPICL& message);
@@ -78,7 +78,8 @@ private:
     Device::acceptor m_device{context};
     tcp::acceptor m_tcp{context};
     asio::steady_timer m_ticker{context};
-    asio::steady_timer m_pause{context};
+    asio::steady_timer m_devicePause{context};
+    asio::steady_timer m_tcpPause{context};
     asio::signal_set m_signals{context};
     Hub m_hub;
     LocalProgram m_firmware;
@@ -131,7 +132,7 @@ bool PropertyServer::Loop::listenOnDevice(std::string& why) {
         return false;
     }
     m_device.assign(Device(), socket.release());
-    accept(m_device);
+    accept(m_device, m_devicePause);
     return true;
 }
 
@@ -153,26 +154,26 @@ bool PropertyServer::Loop::listenOnTcp(std::string& why) {
         return false;
     }
     tcpPort = m_tcp.local_endpoint(failure).port();
-    accept(m_tcp);
+    accept(m_tcp, m_tcpPause);
     return true;
 }
 
 template <typename Acceptor>
-void PropertyServer::Loop::accept(Acceptor& acceptor) {
-    acceptor.async_accept([this, &acceptor](const boost::system::error_code& failure, auto socket) {
+void PropertyServer::Loop::accept(Acceptor& acceptor, asio::steady_timer& pause) {
+    acceptor.async_accept([this, &acceptor, &pause](const boost::system::error_code& failure, auto socket) {
         if (failure == asio::error::operation_aborted)
             return;
         if (!failure)
             admit(std::move(socket));
         if (!failure || failure == asio::error::connection_aborted) {
-            accept(acceptor);
+            accept(acceptor, pause);
             return;
         }
         m_options.log("cannot take a connection: " + failure.message());
-        m_pause.expires_after(kAcceptPause);
-        m_pause.async_wait([this, &acceptor](const boost::system::error_code& cancelled) {
+        pause.expires_after(kAcceptPause);
+        pause.async_wait([this, &acceptor, &pause](const boost::system::error_code& cancelled) {
             if (!cancelled)
-                accept(acceptor);
+                accept(acceptor, pause);
         });
     });
 }
