@@ -224,6 +224,23 @@ B: all-there-is tell X/G:P=2 Y/G:P=3
 C: set X/G:P=9
     B: set X/G:P=9
 )"},
+    {"NobodyWaitsForAnHeirThatIsSilentOrGoes", R"(
+A: tell X/G:P=1
+B: tell X/G:P=2
+C: tell X/G:P=3
+D: tell X/G:P=4
+A leaves
+    B: get-all
+    C: get-all
+    D: get-all
+B leaves
+D: all-there-is tell X/G:P=4
+C: all-there-is tell X/G:P=3
+E: set X/G:P=9
+    D: set X/G:P=9
+D leaves
+    C: get-all
+)"},
     {"ANoticeThatNothingIsFoundIsNoClaim", R"(
 A: miss X/G:P
 B: tell X/G:P=1

@@ -172,17 +172,16 @@ void Hub::leave(Peer& peer, std::string_view why) {
     }
 }
 
-// Who reported the component while it had another owner is asked to do so again.
+// Those who reported the component while it had another owner are asked to do so again: the first who does
+// has it, so that nobody waits for one that is silent or goes.
 void Hub::promote(const std::string& component) {
-    const auto next = std::find_if(m_members.begin(), m_members.end(), [&](const Member& member) {
-        return member.wanted.find(component) != member.wanted.end();
-    });
-    if (next == m_members.end())
-        return;
-    next->wanted.erase(component);
-    JSONPICL message;
-    message.addGetAll();
-    next->peer->send(message);
+    for (Member& member : m_members) {
+        if (member.wanted.erase(component) == 0)
+            continue;
+        JSONPICL message;
+        message.addGetAll();
+        member.peer->send(message);
+    }
 }
 
 void Hub::take(Peer& peer, const JSONPICL& message, Questions::Clock::time_point now) {
