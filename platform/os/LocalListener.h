@@ -24,6 +24,9 @@ public:
     /// Returns whether the constructor succeeded.
     [[nodiscard]] bool isOpen() const { return m_socket.isOpen(); }
 
+    /// Returns why it did not, without a full stop.
+    [[nodiscard]] const std::string& failure() const { return m_failure; }
+
     /// Returns the next connection; an absent descriptor once close() was called and those from before it are
     /// taken, or where the host has no descriptor left. Thread: one at a time. Blocks without limit.
     [[nodiscard]] Descriptor accept();
@@ -37,6 +40,7 @@ public:
 
 private:
     std::string m_path;
+    std::string m_failure;
     Descriptor m_socket; // stays until the end, so that accept() never meets another file under its number
 };
 

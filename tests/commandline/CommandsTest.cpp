@@ -203,6 +203,9 @@ TEST_F(Commands, RefuseArgumentsThatSayNothing) {
         {{"watch", "--for", "-1"}, "above 0"},
         {{"watch", "--count", "0"}, "0"},
         {{"dump", "Net", "--all", "--group", "General"}, "excludes"},
+        {{"serve", "--tcp-address", "localhost"}, "\"localhost\" is no IP address"},
+        {{"serve", "--tcp-address", ""}, "is no IP address"},
+        {{"serve", "--max-programs", "0"}, "1 to"},
     };
     for (const auto& row : kRows) {
         const auto run = start(row.arguments);
@@ -215,6 +218,14 @@ TEST_F(Commands, RefuseArgumentsThatSayNothing) {
         EXPECT_EQ(run->status(), 0);
         EXPECT_NE(run->out().find("--root"), std::string::npos) << run->out();
     }
+}
+
+TEST_F(Commands, TellWhyNobodyCanListen) {
+    const std::string place = (root() / "dev/PRN0").string();
+    const auto taken = start({"serve"});
+    EXPECT_EQ(taken->status(), 1);
+    EXPECT_EQ(taken->err(), "picl serve: cannot listen on " + place +
+                                ": it is taken by another server; name another place by --root\n");
 }
 
 TEST_F(Commands, SpeakJsonToOtherPrograms) {

@@ -37,15 +37,16 @@ TEST_F(LocalListener, TakesThePlaceOfADesertedSocketAndOfNothingElse) {
     EXPECT_TRUE(os::LocalListener(other).isOpen());
 
     os::LocalListener alive(path());
-    EXPECT_FALSE(os::LocalListener(path()).isOpen());
+    EXPECT_EQ(os::LocalListener(path()).failure(), "it is taken by another server");
     EXPECT_TRUE(os::openDevice(path()).isOpen());
     EXPECT_TRUE(alive.accept().isOpen()) << "it has not seen the other one";
 
     std::ofstream(other) << "a file";
-    EXPECT_FALSE(os::LocalListener(other).isOpen());
+    EXPECT_EQ(os::LocalListener(other).failure(), "another file is there");
     EXPECT_TRUE(std::filesystem::is_regular_file(other));
-    EXPECT_FALSE(os::LocalListener(root() / "no folder/socket").isOpen());
-    EXPECT_FALSE(os::LocalListener(root() / std::string(108, 'l')).isOpen());
+    EXPECT_EQ(os::LocalListener(root() / "no folder/socket").failure(), "No such file or directory");
+    EXPECT_EQ(os::LocalListener(root() / std::string(108, 'l')).failure(),
+              "the path is too long for a socket");
 }
 
 } // namespace

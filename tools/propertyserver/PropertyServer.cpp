@@ -128,7 +128,9 @@ bool PropertyServer::Loop::listenOnDevice(std::string& why) {
     m_listener.emplace(m_options.devicePath);
     os::Descriptor socket = m_listener->isOpen() ? m_listener->duplicate() : os::Descriptor();
     if (!socket.isOpen()) {
-        why = "cannot listen on " + m_options.devicePath + ": it is taken, or cannot be made";
+        why = "cannot listen on " + m_options.devicePath + ": " +
+              (m_listener->isOpen() ? "no descriptor is left" : m_listener->failure()) +
+              "; name another place by --root";
         return false;
     }
     m_device.assign(Device(), socket.release());
@@ -150,7 +152,7 @@ bool PropertyServer::Loop::listenOnTcp(std::string& why) {
     attempt([&] { m_tcp.listen(asio::socket_base::max_listen_connections, failure); });
     if (failure) {
         why = "cannot listen on " + m_options.tcpAddress + ", port " + std::to_string(m_options.tcpPort) +
-              ": " + failure.message();
+              ": " + failure.message() + "; name another place by --tcp-address or --tcp-port";
         return false;
     }
     tcpPort = m_tcp.local_endpoint(failure).port();

@@ -5,6 +5,7 @@
 #include "tools/propertyserver/PropertyServer.h"
 
 #include <CLI/CLI.hpp>
+#include <boost/asio/ip/address.hpp>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -24,9 +25,23 @@ using nlohmann::json;
 constexpr std::uint16_t kTcpPort = 9102;
 constexpr std::string_view kLoopback = "127.0.0.1";
 constexpr std::uint32_t kMostDots = 10'000;
+constexpr std::size_t kMostPrograms = 1'000'000;
 
 const std::string kAcName(vocabulary::properties::kBatteryACConnected.name);
 const std::string kDotsName(vocabulary::properties::kDotsPerInch.name);
+
+// For the command line: returns what is wrong with it.
+std::string checkAddress(const std::string& text) {
+    boost::system::error_code failure;
+    static_cast<void>(boost::asio::ip::make_address(text, failure));
+    return failure ? '"' + text + "\" is no IP address, such as 192.168.1.5 or ::1" : std::string();
+}
+
+// What the parser says, without the number of its kind.
+std::string withoutNumber(const std::string& what) {
+    const std::size_t end = what.find("] ");
+    return what.starts_with('[') && end != std::string::npos ? what.substr(end + 2) : what;
+}
 
 struct Arguments {
     std::string root;
@@ -78,7 +93,8 @@ PropertyServerOptions optionsFrom(const Arguments& arguments) {
         try {
             readFirmwareFile(arguments.firmwareFile, options);
         } catch (const std::exception& failure) {
-            throw CLI::ValidationError("--firmware", arguments.firmwareFile + ": " + failure.what());
+            throw CLI::ValidationError("--firmware",
+                                       arguments.firmwareFile + ": " + withoutNumber(failure.what()));
         }
     }
     options.acConnected = arguments.acConnected.value_or(options.acConnected);
@@ -97,7 +113,7 @@ int serve(const Arguments& arguments) {
     std::string why;
     const std::unique_ptr<PropertyServer> server = PropertyServer::create(options, why);
     if (!server) {
-        std::cerr << "picl serve: " << why << "; is another server running?\n";
+        std::cerr << "picl serve: " << why << '\n';
         return 1;
     }
     server->stopOnSignals();
@@ -124,9 +140,12 @@ void addServeCommand(CLI::App& app, int& status) {
     command
         ->add_option("--tcp-address", arguments->tcpAddress,
                      "Listen on TCP too, on this IP address: whoever reaches it may read and set everything")
-        ->type_name("ADDRESS");
-    command->add_option("--tcp-port", arguments->tcpPort, "The port for TCP, 0 for one that is free")
-        ->capture_default_str();
+        ->type_name("ADDRESS")
+        ->check(CLI::Validator(checkAddress, ""));
+    CLI::Option* port = command
+                            ->add_option("--tcp-port", arguments->tcpPort,
+                                         "Listen on TCP too, on this port; 0 for one that is free")
+                            ->capture_default_str();
     command
         ->add_option("--firmware", arguments->firmwareFile,
                      "A JSON file with the values of the firmware, such as {\"" + kAcName + "\": false, \"" +
@@ -139,7 +158,10 @@ void addServeCommand(CLI::App& app, int& status) {
         ->check(CLI::Range(std::uint32_t{1}, kMostDots));
     command->add_option("--max-programs", arguments->mostPrograms, "Turn programs away beyond this number")
         ->capture_default_str()
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(std::size_t{1}, kMostPrograms));
     command->add_flag("--quiet", arguments->isQuiet, "Tell nothing of programs that are refused or go");
-    command->callback([arguments, &status] { status = serve(*arguments); });
+    command->callback([arguments, port, &status] {
+        arguments->onTcp |= port->count() > 0;
+        status = serve(*arguments);
+    });
 }

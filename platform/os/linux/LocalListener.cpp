@@ -3,6 +3,8 @@
 #include "platform/os/linux/LocalAddress.h"
 #include "platform/os/linux/SystemCall.h"
 
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -27,25 +29,36 @@ bool binds(const Descriptor& socket, const sockaddr_un& address) {
     return ::bind(socket.value(), generic(address), sizeof address) == 0;
 }
 
-Descriptor listenAt(const std::string& path) {
+Descriptor fail(std::string& failure, const std::string& why) {
+    failure = why;
+    return {};
+}
+
+Descriptor listenAt(const std::string& path, std::string& failure) {
     const auto address = localAddress(path);
+    if (!address)
+        return fail(failure, "the path is too long for a socket");
     Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (!address || !socket.isOpen())
-        return {};
+    if (!socket.isOpen())
+        return fail(failure, std::strerror(errno));
     if (!binds(socket, *address)) {
-        if (errno != EADDRINUSE || !isSocketFile(path) || !isDeserted(*address))
-            return {};
+        if (errno != EADDRINUSE)
+            return fail(failure, std::strerror(errno));
+        if (!isSocketFile(path))
+            return fail(failure, "another file is there");
+        if (!isDeserted(*address))
+            return fail(failure, "it is taken by another server");
         if (::unlink(path.c_str()) != 0 || !binds(socket, *address))
-            return {};
+            return fail(failure, std::strerror(errno));
     }
-    if (::chmod(path.c_str(), kRights) != 0)
-        return {};
-    return ::listen(socket.value(), kLongestQueue) == 0 ? std::move(socket) : Descriptor();
+    if (::chmod(path.c_str(), kRights) != 0 || ::listen(socket.value(), kLongestQueue) != 0)
+        return fail(failure, std::strerror(errno));
+    return socket;
 }
 
 } // namespace
 
-LocalListener::LocalListener(const std::string& path) : m_path(path), m_socket(listenAt(path)) {}
+LocalListener::LocalListener(const std::string& path) : m_path(path), m_socket(listenAt(path, m_failure)) {}
 
 LocalListener::~LocalListener() {
     if (isOpen())
