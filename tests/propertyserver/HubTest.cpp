@@ -401,6 +401,21 @@ TEST(HubLimits, WhoWantsMoreThanThereMayBeGoesOrIsNotHeard) {
     EXPECT_EQ(hub.hears("A"), "") << "components that can be none";
 }
 
+TEST(HubLimits, TheLogHoldsTheBeginningOfALongName) {
+    ScriptedHub hub;
+    JSONPICL message;
+    message.addGetResponse({.group = "G",
+                            .groupString = "",
+                            .guid = "P",
+                            .nameString = "",
+                            .value = "1",
+                            .status = std::string(status::kSuccessful),
+                            .component = "X",
+                            .componentString = std::string(1U << 20U, 'n')});
+    hub.say("A", message);
+    EXPECT_EQ(hub.log, std::vector{'"' + std::string(64, 'n') + "...\" has come"});
+}
+
 TEST(HubLimits, WhatIsTooLongToBeFoundIsNotWatched) {
     const std::string property = "X/G:" + std::string(Hub::kLongestKey, 'p');
     ScriptedHub hub;

@@ -24,7 +24,11 @@ bool isComponent(std::string_view text) {
     return !text.empty() && text.size() <= kLongestComponent && text.find('\n') == std::string_view::npos;
 }
 
-std::string quoted(std::string_view text) { return '"' + escapeText(text) + '"'; }
+// A line of the log holds no more of what a program calls itself.
+std::string quoted(std::string_view text) {
+    constexpr std::size_t most = 64;
+    return '"' + escapeText(text.substr(0, most)) + (text.size() > most ? "...\"" : "\"");
+}
 
 bool isTooLong(const PropertyGetRequest& request) {
     return request.group.size() + request.guid.size() > Hub::kLongestKey;
