@@ -9,6 +9,7 @@
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/propertyserver/ResidentBytes.h"
 #include "tests/propertyserver/ShortHand.h"
+#include "tools/propertyserver/Connection.h"
 #include "tools/propertyserver/Hub.h"
 #include "tools/propertyserver/PropertyServer.h"
 
@@ -315,6 +316,19 @@ TEST_F(Server, WhatSomebodyElseTellsIsNoReasonToLoseWhoAsks) {
     asking.says("watch-all");
     const std::string heard = asking.hearsUpTo("G:23=");
     EXPECT_EQ(heard.find(Program::kEnd), std::string::npos);
+}
+
+TEST_F(Server, WhatManySetIsNoReasonToLoseTheOwner) {
+    const std::string begin = "set X/G:P=";
+    const std::string value(Connection::kMostWaiting / 9, 'v');
+    Program owner;
+    owner.says("tell X/G:P=1");
+    EXPECT_NE(owner.asksFirmware(), "");
+    std::vector<Program> setting(15);
+    for (const Program& program : setting)
+        program.says(begin + value);
+    EXPECT_EQ(owner.hears(), begin + value);
+    EXPECT_EQ(owner.asksFirmware().find(Program::kEnd), std::string::npos);
 }
 
 TEST_F(Server, WhatAProgramSendsLastIsDoneThoughItGoesAtOnce) {

@@ -29,6 +29,9 @@ public:
     /// taken: several of the longest frames.
     static constexpr std::size_t kMostWaiting = 32U << 20U;
 
+    /// With how much waiting what others ask and set is still sent: well below, for that is not its fault.
+    static constexpr std::size_t kMostOfOthers = kMostWaiting / 2;
+
     /// How much of what it asks and sets waits while it is held, but for one message; behind more nothing is
     /// read. What it answers passes by.
     static constexpr std::size_t kMostParked = 256U << 10U;
@@ -50,6 +53,7 @@ public:
     void start();
 
     void send(JSONPICL& message) override;
+    [[nodiscard]] bool takesMore() const override { return m_outbox.bytes() <= kMostOfOthers; }
     void answer(const std::vector<SharedReport>& reports, bool isForAll) override;
     void publish(const SharedReport& report) override;
     void hold(bool holds) override;

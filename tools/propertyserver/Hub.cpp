@@ -46,7 +46,8 @@ using Kind = Question::Item::Kind;
 /// does not fit into one by itself is left out.
 class Parcel {
 public:
-    explicit Parcel(Peer& owner) : m_owner(owner) {}
+    /// @p always: also to who does not take more.
+    explicit Parcel(Peer& owner, bool always = false) : m_owner(owner), m_always(always) {}
 
     template <typename Request>
     void add(void (JSONPICL::*addTo)(Request), Request request) {
@@ -62,7 +63,7 @@ public:
     }
 
     void send() {
-        if (std::exchange(m_size, 0) > 0)
+        if (std::exchange(m_size, 0) > 0 && (m_always || m_owner.takesMore()))
             m_owner.send(m_message);
         m_message.clear();
     }
@@ -72,6 +73,7 @@ private:
     static constexpr std::size_t kRoom = frame::kLargestText - 1024; // and around the items
 
     Peer& m_owner;
+    const bool m_always;
     JSONPICL m_message;
     std::size_t m_size = 0;
 };
@@ -120,7 +122,7 @@ public:
 
     void handOn() const {
         for (const auto& [program, part] : m_parts) {
-            Parcel parcel(*program->owner);
+            Parcel parcel(*program->owner, part.subscribes);
             for (const std::size_t i : part.items)
                 parcel.add(part.subscribes ? &JSONPICL::addSubscribeRequest : &JSONPICL::addGetRequest,
                            escaped(m_question.items[i].request));
@@ -233,7 +235,8 @@ void Hub::markSets(Member& member, Peer& owner, Questions::Clock::time_point now
     JSONPICL mark;
     mark.addGetRequest(escaped(question.items[0].request));
     enter(member, std::move(question), now);
-    owner.send(mark);
+    if (owner.takesMore())
+        owner.send(mark);
 }
 
 void Hub::takeReports(Member& member, const JSONPICL& message) {
@@ -352,8 +355,10 @@ void Hub::askForAll(Member& member, bool subscribes, Questions::Clock::time_poin
         JSONPICL all;
         if (subscribes && !std::exchange(programs[i]->isSubscribed, true))
             all.addSubscribeAll();
-        else
+        else if (programs[i]->owner->takesMore())
             all.addGetAll();
+        else
+            continue;
         programs[i]->owner->send(all);
         JSONPICL mark; // of its own: beside a question for all nothing else is answered
         mark.addGetRequest(escaped(marks[i].request));

@@ -48,6 +48,10 @@ public:
     /// Sends @p message, behind all that was sent before.
     virtual void send(JSONPICL& message) = 0;
 
+    /// Returns whether there is room for what others ask and set. What comes beyond is not for the peer to
+    /// answer for, and goes lost.
+    [[nodiscard]] virtual bool takesMore() const { return true; }
+
     /// Sends the answer to a question: @p reports, marked as all there are if @p isForAll. It counts more
     /// than what was published on the same properties and has not gone out.
     virtual void answer(const std::vector<SharedReport>& reports, bool isForAll) = 0;
