@@ -4,7 +4,6 @@
 #include "platform/os/linux/SystemCall.h"
 
 #include <cerrno>
-#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,19 +39,19 @@ Descriptor listenAt(const std::string& path, std::string& failure) {
         return fail(failure, "the path is too long for a socket");
     Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (!socket.isOpen())
-        return fail(failure, std::strerror(errno));
+        return fail(failure, lastFailure().message());
     if (!binds(socket, *address)) {
         if (errno != EADDRINUSE)
-            return fail(failure, std::strerror(errno));
+            return fail(failure, lastFailure().message());
         if (!isSocketFile(path))
             return fail(failure, "another file is there");
         if (!isDeserted(*address))
             return fail(failure, "it is taken by another server");
         if (::unlink(path.c_str()) != 0 || !binds(socket, *address))
-            return fail(failure, std::strerror(errno));
+            return fail(failure, lastFailure().message());
     }
     if (::chmod(path.c_str(), kRights) != 0 || ::listen(socket.value(), kLongestQueue) != 0)
-        return fail(failure, std::strerror(errno));
+        return fail(failure, lastFailure().message());
     return socket;
 }
 
