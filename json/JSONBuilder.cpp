@@ -40,15 +40,19 @@ void JSONBuilder::closeArray() {
     set(JSONArray(std::move(items)));
 }
 
-void JSONBuilder::addMember(JSONTokenText key) {
+bool JSONBuilder::addMember(JSONTokenText key) {
     std::vector<JSONMember>& members = m_levels.back().members;
     if (m_valueIsText && !key.hasEscapes() && !m_valueText.hasEscapes())
         members.emplace_back(bytesOf(key), bytesOf(m_valueText));
     else
         members.emplace_back(textOf(key), takeValue());
+    return takeRoom();
 }
 
-void JSONBuilder::addItem() { m_levels.back().items.push_back(takeValue()); }
+bool JSONBuilder::addItem() {
+    m_levels.back().items.push_back(takeValue());
+    return takeRoom();
+}
 
 JSONValue JSONBuilder::takeValue() {
     return m_valueIsText ? JSONValue(textOf(m_valueText)) : std::move(m_value);

@@ -16,7 +16,7 @@
 class JSONBuilder {
 public:
     /// Requires: the bytes of @p text, in which the parser reads, outlive this object.
-    explicit JSONBuilder(std::string_view text) : m_text(text) {}
+    JSONBuilder(std::string_view text, std::size_t mostValues) : m_text(text), m_room(mostValues) {}
 
     // What was read.
     void setInt(std::int64_t number) { set(number); }
@@ -33,11 +33,11 @@ public:
     void openObject();
     void openArray();
 
-    /// Makes it a member of the open object.
-    void addMember(JSONTokenText key);
+    /// Makes it a member of the open object. Returns false once there are more values than there may be.
+    [[nodiscard]] bool addMember(JSONTokenText key);
 
-    /// Makes it an item of the open array.
-    void addItem();
+    /// Makes it an item of the open array. Returns as addMember().
+    [[nodiscard]] bool addItem();
 
     /// Returns it.
     [[nodiscard]] JSONValue takeValue();
@@ -59,8 +59,12 @@ private:
     }
     [[nodiscard]] std::string textOf(JSONTokenText token) const;
 
+    /// Takes one from the values that there may still be. Returns false if there was none.
+    [[nodiscard]] bool takeRoom() { return m_room > 0 && m_room-- > 0; }
+
     std::string_view m_text;
-    JSONValue m_value; // or, as most are, a text
+    std::size_t m_room; // for more values
+    JSONValue m_value;  // or, as most are, a text
     JSONTokenText m_valueText;
     bool m_valueIsText = false;
     std::vector<Level> m_levels;

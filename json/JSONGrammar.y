@@ -68,14 +68,14 @@ value:
 
 members:
     %empty
-  | DoubleQuotedString Colon value               { builder.addMember($1); }
-  | SingleQuotedString Colon value               { builder.addMember($1); }
-  | members Comma DoubleQuotedString Colon value { builder.addMember($3); }
-  | members Comma SingleQuotedString Colon value { builder.addMember($3); }
+  | DoubleQuotedString Colon value               { if (!builder.addMember($1)) YYABORT; }
+  | SingleQuotedString Colon value               { if (!builder.addMember($1)) YYABORT; }
+  | members Comma DoubleQuotedString Colon value { if (!builder.addMember($3)) YYABORT; }
+  | members Comma SingleQuotedString Colon value { if (!builder.addMember($3)) YYABORT; }
   ;
 
 items:
     %empty
-  | value             { builder.addItem(); }
-  | items Comma value { builder.addItem(); }
+  | value             { if (!builder.addItem()) YYABORT; }
+  | items Comma value { if (!builder.addItem()) YYABORT; }
   ;

@@ -77,7 +77,7 @@ bool JSONImporterExporter::importFrom(Stream& stream) {
     JSONValue message;
     {
         const KeltoGuard guard(jsonEngineLock);
-        message = parseJsonText(text.c_str());
+        message = parseJsonText(text.c_str(), m_mostValues);
     }
     if (message.type != JSONValueType::ObjectValue)
         return false;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,8 +50,15 @@ public:
     /// Empties the object.
     virtual void clear();
 
+    /// Has importFrom() refuse an object with more values than @p mostValues, for who reads what anybody
+    /// sends: a frame of the largest length can make a hundred megabytes of values.
+    void limitValues(std::size_t mostValues) { m_mostValues = mostValues; }
+
 protected:
     JSONObject m_object;
+
+private:
+    std::size_t m_mostValues = std::numeric_limits<std::size_t>::max();
 };
 
 /// Finds the member of this key. Returns whether there is one; only then @p member is set.

@@ -30,11 +30,11 @@ public:
     Scan& operator=(const Scan&) = delete;
 };
 
-JSONValue parse(std::string_view text) {
+JSONValue parse(std::string_view text, std::size_t mostValues) {
     if (text.size() > kLongestText)
         return {};
     const Scan scan(text);
-    JSONBuilder builder(text);
+    JSONBuilder builder(text, mostValues);
     StringRun run(text);
     return jsonparse(builder, run) == 0 ? builder.takeValue() : JSONValue();
 }
@@ -93,13 +93,13 @@ std::size_t appendUnescaped(std::string& text, std::string_view rest) {
 
 } // namespace
 
-JSONValue parseJsonText(const char* text) { return parse(text); }
+JSONValue parseJsonText(const char* text, std::size_t mostValues) { return parse(text, mostValues); }
 
 JSONValue parseJsonFile(const char* path) {
     if (os::isFolder(path)) // it would open
         return {};
     const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "r"));
-    return file != nullptr ? parse(readAll(*file)) : JSONValue();
+    return file != nullptr ? parse(readAll(*file), kAnyNumberOfValues) : JSONValue();
 }
 
 void unescapeText(std::string& text) {

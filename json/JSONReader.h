@@ -3,12 +3,16 @@
 #include "platform/KeltoMutex.h"
 #include "json/JSONValue.h"
 
+#include <cstddef>
+#include <limits>
 #include <string>
 
 /// Guards what the engine has once in the process. It is held for one parse or one print of a message, never
 /// while a stream is read or written. It is there to the very
 /// end of the process.
 extern KeltoMutex& jsonEngineLock;
+
+inline constexpr std::size_t kAnyNumberOfValues = std::numeric_limits<std::size_t>::max();
 
 /// Reads a JSON text, up to its first zero byte. More is taken than RFC 8259 allows:
 /// strings in single quotes, a comma behind an opening bracket, numbers such as "+5", "007" and ".5", and
@@ -17,9 +21,11 @@ extern KeltoMutex& jsonEngineLock;
 ///
 /// Returns null, the value, where the text is none; the standard error stream then tells "error: syntax
 /// error", or "error: memory exhausted" where brackets are nested too deep (some thousands of them). The
-/// time is proportional to the length of the text, whatever stands there. Thread: any.
-/// Requires: less than 2^31 bytes.
-[[nodiscard]] JSONValue parseJsonText(const char* text) KELTO_REQUIRES(jsonEngineLock);
+/// time is proportional to the length of the text, whatever stands there. Quietly null, the value, too where
+/// objects and arrays have more than @p mostValues members and items in all: each of them costs many times
+/// the memory of its text. Thread: any. Requires: less than 2^31 bytes.
+[[nodiscard]] JSONValue parseJsonText(const char* text, std::size_t mostValues = kAnyNumberOfValues)
+    KELTO_REQUIRES(jsonEngineLock);
 
 /// Reads the JSON text of a file, as parseJsonText() does; a zero byte is skipped. @p path is one of the
 /// host. Returns null, the value, also where there is no such file. Ends the process with status 2 where the

@@ -37,17 +37,26 @@ void FrameReader::take(std::string_view bytes) {
     m_bytes.append(bytes);
 }
 
-FrameReader::Result FrameReader::next(JSONPICL& message) {
+std::string_view FrameReader::nextFrame() const {
     const std::string_view rest = std::string_view(m_bytes).substr(m_read);
     if (rest.size() < frame::kHeaderSize)
-        return Result::Incomplete;
+        return {};
     const std::uint32_t length = frame::textLength(rest.substr(0, frame::kHeaderSize));
-    if (length <= frame::kLargestText && rest.size() < frame::kHeaderSize + length)
+    if (length > frame::kLargestText)
+        return rest;
+    return rest.size() < frame::kHeaderSize + length ? std::string_view()
+                                                     : rest.substr(0, frame::kHeaderSize + length);
+}
+
+FrameReader::Result FrameReader::next(JSONPICL& message) {
+    const std::string_view frame = nextFrame();
+    if (frame.empty())
         return Result::Incomplete;
-    TextStream stream(rest.substr(0, frame::kHeaderSize + length));
+    TextStream stream(frame);
+    message.limitValues(m_mostValues);
     if (!message.importFrom(stream))
         return Result::Refused;
-    m_read += frame::kHeaderSize + length;
+    m_read += frame.size();
     if (waiting() == 0 && m_bytes.capacity() > kKeptRoom) {
         std::string().swap(m_bytes);
         m_read = 0;

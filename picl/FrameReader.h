@@ -3,6 +3,7 @@
 #include "picl/JSONPICL.h"
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -17,16 +18,26 @@ public:
         Refused,    ///< What came is no message; nothing behind it can be read any more.
     };
 
+    FrameReader() = default;
+
+    /// Refuses a message with more values than @p mostValues.
+    explicit FrameReader(std::size_t mostValues) : m_mostValues(mostValues) {}
+
     /// Takes the next bytes of the stream.
     void take(std::string_view bytes);
 
     /// Reads the next message into @p message, which stays as it was if there is none.
     [[nodiscard]] Result next(JSONPICL& message);
 
-    /// Returns how many bytes wait for the rest of their frame.
+    /// Returns how many bytes wait to be read.
     [[nodiscard]] std::size_t waiting() const { return m_bytes.size() - m_read; }
 
+    /// Returns the bytes of the next frame if all of it is there, else nothing; of one that is too long, what
+    /// is there. They stay until next() or take().
+    [[nodiscard]] std::string_view nextFrame() const;
+
 private:
+    std::size_t m_mostValues = std::numeric_limits<std::size_t>::max();
     std::string m_bytes;
     std::size_t m_read = 0; // of m_bytes, in messages that were handed out
 };

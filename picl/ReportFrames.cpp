@@ -13,13 +13,15 @@ constexpr std::size_t kReportSize =
                      R"("NameString": "","Status": "","Value": ""},)")
         .size();
 
-std::size_t textSize(const PropertyGetResponse& report) {
+} // namespace
+
+const std::size_t ReportFrames::kRoom = frame::kLargestText - kMessageSize;
+
+std::size_t ReportFrames::textSize(const PropertyGetResponse& report) {
     return kReportSize + report.component.size() + report.componentString.size() + report.group.size() +
            report.guid.size() + report.groupString.size() + report.nameString.size() + report.status.size() +
            report.value.size();
 }
-
-} // namespace
 
 ReportFrames::ReportFrames(JSONPICL& message, Kind kind, Send send)
     : m_message(message), m_kind(kind), m_send(std::move(send)) {
@@ -44,7 +46,7 @@ bool ReportFrames::add(PropertyGetResponses reports) {
 
 bool ReportFrames::add(PropertyGetResponse report) {
     const std::size_t size = textSize(report);
-    if (!m_sends || size > frame::kLargestText - kMessageSize)
+    if (!m_sends || size > kRoom)
         return m_sends;
     if (m_textSize + size > frame::kLargestText) {
         if (!finish())

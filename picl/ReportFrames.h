@@ -17,6 +17,10 @@ public:
 
     enum class Kind { Reports, GetAllAnswer };
 
+    /// How much of the text of a frame the reports in it may take, and how much one takes.
+    static const std::size_t kRoom;
+    [[nodiscard]] static std::size_t textSize(const PropertyGetResponse& report);
+
     /// Frames are built in @p message, which is emptied before. Requires: it outlives this object.
     ReportFrames(JSONPICL& message, Kind kind, Send send);
 

@@ -73,4 +73,24 @@ TEST(FrameReader, AMessageStaysAsItWasWhereThereIsNoOther) {
     EXPECT_TRUE(message.has(keys::kDisconnect));
 }
 
+TEST(FrameReader, RefusesMoreValuesThanItWasTold) {
+    struct {
+        const char* text;
+        std::size_t values;
+    } const kRows[] = {
+        {R"({"a": 1, "b": [2, "three", {}, []], "c": {"d": null}})", 8},
+        {R"({"a": ",,,,,,,,[[[{{{::::"})", 1},
+        {"{}", 0},
+    };
+    for (const auto& [text, values] : kRows) {
+        for (const std::size_t most : {values, values - 1}) {
+            FrameReader reader(most);
+            reader.take(frameOf(text));
+            JSONPICL message;
+            EXPECT_EQ(reader.next(message), values <= most ? Result::Message : Result::Refused)
+                << text << most;
+        }
+    }
+}
+
 } // namespace

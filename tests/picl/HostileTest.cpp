@@ -12,13 +12,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::string repeated(const std::string& text, std::size_t times) {
-    std::string all;
-    for (std::size_t i = 0; i < times; ++i)
-        all += text;
-    return all;
-}
-
 std::string header(std::uint32_t length) {
     std::string bytes = frameOf("").substr(0, frame::kMagic.size());
     for (unsigned shift = 0; shift < 32; shift += 8)

@@ -12,6 +12,14 @@
 #include <string_view>
 #include <utility>
 
+/// Returns @p text, @p times behind each other.
+inline std::string repeated(const std::string& text, std::size_t times) {
+    std::string all;
+    for (std::size_t i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
 /// Returns @p text as it travels.
 inline std::string frameOf(std::string_view text) {
     std::string frame("\xB3\xEC\x09\x9A\x22\x92\x48\xFA\x83\xD0\x06\x84\x0B\xC9\x91\x02", 16);

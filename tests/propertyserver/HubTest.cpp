@@ -283,13 +283,6 @@ B: get X/G:P Y/G:P set Y/G:P=1 tell Y/G:P=2 watch Y/G:Q
 INSTANTIATE_TEST_SUITE_P(, HubConversation, testing::ValuesIn(kConversations),
                          [](const auto& row) { return row.param.name; });
 
-std::string repeated(const std::string& text, std::size_t times) {
-    std::string all;
-    for (std::size_t i = 0; i < times; ++i)
-        all += text;
-    return all;
-}
-
 std::size_t count(const std::string& text, const std::string& what) {
     std::size_t found = 0;
     for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size()))
@@ -306,8 +299,8 @@ TEST(HubLimits, WhatIsHandedOnFitsIntoFrames) {
         std::string items;
         std::size_t arrive;
     } const kRows[] = {
-        {"sets that are short", "PropertySetRequests", repeated(R"({"Component":"X"},)", 200'000) + "0",
-         200'000},
+        {"sets that are short", "PropertySetRequests",
+         repeated(R"({"Component":"X"},)", Hub::kMostSets - 1) + "0", Hub::kMostSets - 1},
         {"sets that take more room escaped", "PropertySetRequests",
          repeated(R"({"Component":"X","GUID":"G:P","Value":")" + control.substr(0, 400'000) + "\"},", 9) +
              "0",

@@ -36,9 +36,9 @@ void ScriptedProgram::send(JSONPICL& message) {
     heard.push_back(std::move(text));
 }
 
-void ScriptedProgram::answer(const std::vector<SharedReport>& list, bool isForAll) {
+void ScriptedProgram::answer(std::vector<SharedReport> list, bool isForAll) {
     Outbox outbox;
-    outbox.answer(list, isForAll);
+    outbox.answer(std::move(list), isForAll);
     hear("has the answer ", outbox);
 }
 

@@ -14,7 +14,7 @@
 class ScriptedProgram final : public Peer {
 public:
     void send(JSONPICL& message) override;
-    void answer(const std::vector<SharedReport>& reports, bool isForAll) override;
+    void answer(std::vector<SharedReport> reports, bool isForAll) override;
     void publish(const SharedReport& report) override;
     void hold(bool holds) override { heard.emplace_back(holds ? "is held" : "is free"); }
     void end(std::string_view why) override { heard.emplace_back("ends, " + std::string(why)); }

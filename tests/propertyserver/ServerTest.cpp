@@ -246,6 +246,16 @@ const RudeProgram kRudePrograms[] = {
          if (program.write(frame.substr(0, frame.size() / 2), goesOn))
              eventually([&] { return !goesOn; });
      }},
+    {"WhoBeginsManyLongFrames",
+     [](Program& program, const std::atomic<bool>& goesOn) {
+         const std::string part =
+             frameOf(std::string(frame::kLargestText, ' ')).substr(0, frame::kLargestText);
+         std::vector<Program> others(100);
+         for (const Program& other : others)
+             other.write(part, goesOn);
+         program.write(part, goesOn);
+         eventually([&] { return !goesOn; });
+     }},
     {"WhoSendsGarbage",
      [](Program& program, const std::atomic<bool>& goesOn) {
          std::string garbage;
@@ -256,10 +266,9 @@ const RudeProgram kRudePrograms[] = {
      }},
     {"WhoSendsTheLongestFrames",
      [](Program& program, const std::atomic<bool>& goesOn) {
-         std::string text = "{\"x\": [0";
-         while (text.size() < frame::kLargestText - 4)
-             text += ",0";
-         const std::string frame = frameOf(text + "]}");
+         std::string text = R"({"x": [0)" + repeated(",{}", Connection::kMostValues - 2) + "]}";
+         text.resize(frame::kLargestText, ' ');
+         const std::string frame = frameOf(text);
          while (program.write(frame, goesOn)) {
          }
      }},

@@ -15,16 +15,10 @@ std::array<char, 65536>& commonBuffer() {
     return buffer;
 }
 
-// Less is not worth a timer.
-constexpr std::chrono::milliseconds kFreeOfRest{2};
-
 } // namespace
 
 Connection::Connection(Socket socket, const Handler& handler)
-    : m_socket(std::move(socket)),
-      m_rest(m_socket.get_executor()),
-      m_handler(handler),
-      m_lastWhole(Clock::now()) {}
+    : m_socket(std::move(socket)), m_handler(handler), m_lastWhole(Clock::now()) {}
 
 void Connection::start() {
     boost::system::error_code failure;
@@ -51,16 +45,30 @@ void Connection::awaitBytes() {
 }
 
 void Connection::takeBytes(std::size_t count) {
-    const Clock::time_point begin = Clock::now();
     if (!isInsideFrame())
-        m_lastWhole = begin;
+        m_lastWhole = Clock::now();
     m_reader.take({m_piece.data(), count});
     if (count == m_piece.size())
         readMore();
+    if (m_reader.waiting() <= kLong || m_reader.nextFrame().empty()) {
+        proceed();
+        return;
+    }
+    m_isReading = true;
+    weigh();
+    m_handler.turns.request([self = shared_from_this()] {
+        self->m_isReading = false;
+        self->proceed();
+    });
+}
+
+// Deals with what has come, and reads on.
+void Connection::proceed() {
     takeMessages();
     if (isInsideFrame())
         m_handler.wait();
-    rest(Clock::now() - begin);
+    weigh();
+    awaitBytes();
 }
 
 // What else is there, up to a limit: the others have their turn.
@@ -78,35 +86,26 @@ void Connection::endOf(const boost::system::error_code& failure) {
 
 void Connection::takeMessages() {
     while (!m_hasEnded && m_parkedBytes <= kMostParked) {
-        auto message = std::make_unique<JSONPICL>();
-        const std::size_t before = m_reader.waiting();
-        const FrameReader::Result result = m_reader.next(*message);
+        const bool mayPark = m_holds || !m_parked.empty();
+        std::string frame(mayPark ? m_reader.nextFrame() : std::string_view());
+        JSONPICL message;
+        const FrameReader::Result result = m_reader.next(message);
         if (result == FrameReader::Result::Refused)
             end("sent what is no message");
         if (result != FrameReader::Result::Message)
             return;
         m_lastWhole = Clock::now();
-        if ((m_holds || !m_parked.empty()) && (message->asks() || message->has(keys::kSetRequests))) {
-            m_parked.push_back({std::move(message), before - m_reader.waiting()});
-            m_parkedBytes += m_parked.back().bytes;
-        } else {
-            m_handler.take(*this, *message);
-        }
+        if (mayPark && (message.asks() || message.has(keys::kSetRequests)))
+            park(std::move(frame));
+        else
+            m_handler.take(*this, message);
     }
 }
 
-// The others have their turn as long as this one had.
-void Connection::rest(Clock::duration spent) {
-    if (spent < kFreeOfRest || m_hasEnded) {
-        awaitBytes();
-        return;
-    }
-    m_isReading = true;
-    m_rest.expires_after(spent);
-    m_rest.async_wait([self = shared_from_this()](const boost::system::error_code& /*cancelled*/) {
-        self->m_isReading = false;
-        self->awaitBytes();
-    });
+// It waits as it came: what is made of it takes many times the memory.
+void Connection::park(std::string frame) {
+    m_parkedBytes += frame.size();
+    m_parked.push_back(std::move(frame));
 }
 
 void Connection::hold(bool holds) {
@@ -114,25 +113,26 @@ void Connection::hold(bool holds) {
     if (holds)
         return;
     asio::post(m_socket.get_executor(), [self = shared_from_this()] { // not inside of a call of the hub
-        self->takeParked();
+        self->m_handler.turns.request([self] { self->takeParked(); });
     });
 }
 
 void Connection::takeParked() {
-    const Clock::time_point begin = Clock::now();
     while (!m_hasEnded && !m_holds && !m_parked.empty()) {
-        const Parked parked = std::move(m_parked.front());
+        FrameReader reader(kMostValues);
+        reader.take(m_parked.front());
+        m_parkedBytes -= m_parked.front().size();
         m_parked.pop_front();
-        m_parkedBytes -= parked.bytes;
-        m_handler.take(*this, *parked.message);
+        m_lastWhole = Clock::now(); // nothing was read meanwhile
+        JSONPICL message;
+        if (reader.next(message) == FrameReader::Result::Message) // as it was before
+            m_handler.take(*this, message);
     }
-    takeMessages();
-    if (!m_isReading)
-        rest(Clock::now() - begin);
+    proceed();
 }
 
 bool Connection::isStuck(Clock::time_point now) const {
-    return isInsideFrame() && now - m_lastWhole > kFramePatience;
+    return m_isReading && isInsideFrame() && now - m_lastWhole > kFramePatience;
 }
 
 void Connection::send(JSONPICL& message) {
@@ -142,15 +142,15 @@ void Connection::send(JSONPICL& message) {
     flush();
 }
 
-void Connection::answer(const std::vector<SharedReport>& reports, bool isForAll) {
+void Connection::answer(std::vector<SharedReport> reports, bool isForAll) {
     if (!hasRoom())
         return;
-    m_outbox.answer(reports, isForAll);
+    m_outbox.answer(std::move(reports), isForAll);
     flush();
 }
 
 void Connection::publish(const SharedReport& report) {
-    if (m_hasEnded || m_isDeaf)
+    if (!hasRoom())
         return;
     m_outbox.publish(report);
     flushSoon();
@@ -167,32 +167,53 @@ void Connection::flushSoon() {
 }
 
 void Connection::flush() {
-    if (m_isFlushing)
-        return;
-    while (!m_hasEnded) {
+    while (!m_isFlushing && !m_hasEnded) {
+        if (m_outbox.unmade() > kLong && !m_isClosing) {
+            makeFrameInTurn();
+            break;
+        }
         const std::string_view bytes = m_outbox.next();
         if (bytes.empty())
-            return;
+            break;
         boost::system::error_code failure;
         const std::size_t count = m_socket.write_some(asio::buffer(bytes.data(), bytes.size()), failure);
         if (failure == asio::error::would_block) {
             awaitRoom();
-            return;
-        }
-        if (failure) { // it may have gone, but what it has sent before counts
+        } else if (failure) { // it may have gone, but what it has sent before counts
             m_isDeaf = true;
             m_outbox = {};
-            return;
+        } else {
+            m_outbox.sent(count);
         }
-        m_outbox.sent(count);
     }
+    weigh();
+}
+
+void Connection::makeFrameInTurn() {
+    m_isFlushing = true;
+    m_handler.turns.request([self = shared_from_this()] {
+        self->m_isFlushing = false;
+        static_cast<void>(self->m_outbox.next());
+        self->flush();
+    });
 }
 
 // Who has a long answer to read is not at fault; who asks on and on without reading is.
 bool Connection::hasRoom() {
-    if (m_outbox.bytes() > kMostWaiting)
+    if (m_outbox.waitingForReader() > kMostWaiting || m_outbox.waiting() > kMostToTell)
         end("does not read what it is sent");
     return !m_hasEnded && !m_isDeaf;
+}
+
+void Connection::charge(std::ptrdiff_t bytes) {
+    m_charged += static_cast<std::size_t>(bytes);
+    weigh();
+}
+
+void Connection::weigh() {
+    const std::size_t load =
+        m_isClosing ? 0 : m_reader.waiting() + m_parkedBytes + m_outbox.waiting() + m_charged;
+    m_handler.weigh(std::exchange(m_load, load), load);
 }
 
 void Connection::awaitRoom() {
@@ -215,6 +236,7 @@ void Connection::end(std::string_view why) {
 
 void Connection::close() {
     boost::system::error_code ignored; // there is nobody left to tell
+    m_isClosing = true;
     if (!m_hasEnded) {
         JSONPICL goodbye;
         goodbye.addDisconnect();
@@ -223,6 +245,6 @@ void Connection::close() {
         send(goodbye);
         m_hasEnded = true;
     }
-    m_rest.cancel(ignored);
     m_socket.close(ignored);
+    weigh();
 }

@@ -205,7 +205,10 @@ void Hub::handOnSets(Member& member, const JSONPICL& message, Questions::Clock::
     if (!message.has(keys::kSetRequests))
         return;
     std::map<Peer*, Parcel> parcels;
+    std::size_t count = 0;
     message.forEachSetRequest([&](const PropertySetRequest& request) {
+        if (++count > kMostSets)
+            return;
         const Directory::Program* program = m_directory.find(request.component);
         if (program == nullptr || program->owner == nullptr)
             return;
@@ -220,6 +223,8 @@ void Hub::handOnSets(Member& member, const JSONPICL& message, Questions::Clock::
         parcel.send();
         markSets(member, *owner, now);
     }
+    if (count > kMostSets)
+        member.peer->end("set too much at once");
 }
 
 // Sets are not answered. Behind many goes a mark, so that who sets faster than the owner takes it is held.
@@ -243,8 +248,18 @@ void Hub::takeReports(Member& member, const JSONPICL& message) {
     if (!message.has(keys::kGetResponses))
         return;
     const bool isAnswer = message.has(keys::kGetAllResponse);
-    message.forEachGetResponse(
-        [&](PropertyGetResponse arrived) { takeReport(member, std::move(arrived), isAnswer); });
+    std::size_t count = 0;
+    message.forEachGetResponse([&](PropertyGetResponse arrived) {
+        if (++count <= kMostReports)
+            takeReport(member, std::move(arrived), isAnswer);
+    });
+    if (count > kMostReports)
+        refuseMore(member);
+}
+
+void Hub::refuseMore(Member& member) {
+    if (!std::exchange(member.isFull, true))
+        m_log((member.name.empty() ? "a program" : member.name) + " has more properties than are kept");
 }
 
 void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer) {
@@ -258,8 +273,8 @@ void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer)
         return;
     bool isTaken = false;
     const SharedReport last = m_directory.remember(*program, report, isTaken);
-    if (!isTaken && !std::exchange(member.isFull, true))
-        m_log(member.name + " has more properties than are kept");
+    if (!isTaken)
+        refuseMore(member);
     const bool isGone = report->record.status == status::kNoLongerAvailable;
     const bool isNews = last ? isGone || !isAnswer || last->record.value != report->record.value : !isGone;
     if (isTaken && isNews)
@@ -395,7 +410,7 @@ void Hub::answer(const Question& question) {
     });
     // Where nothing came in time, the program that was asked is silent, and so is the server.
     if (isComplete || question.isForAll || !reports.empty())
-        asker.peer->answer(reports, question.isForAll);
+        asker.peer->answer(std::move(reports), question.isForAll);
 }
 
 std::vector<SharedReport> Hub::everythingBut(const Peer& asker) {

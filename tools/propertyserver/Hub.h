@@ -21,11 +21,13 @@
 class Hub {
 public:
     // What one peer may do. Beyond it a peer is held, or its connection ends.
-    static constexpr std::size_t kMostOpen = 1024;    ///< Asked for and set, and not dealt with: it is held.
-    static constexpr std::size_t kMostItems = 4096;   ///< Asked for in one message.
-    static constexpr std::size_t kLongestKey = 1024;  ///< Of group and property; longer ones are not found.
-    static constexpr std::size_t kMostWatched = 4096; ///< Properties and groups.
-    static constexpr std::size_t kMostPrograms = 16;  ///< That it speaks for, or would like to.
+    static constexpr std::size_t kMostOpen = 1024;   ///< Asked for and set, and not dealt with: it is held.
+    static constexpr std::size_t kMostItems = 4096;  ///< Asked for in one message.
+    static constexpr std::size_t kMostSets = 16'384; ///< In one message.
+    static constexpr std::size_t kMostReports = 16'384; ///< In one message; further ones are not taken.
+    static constexpr std::size_t kLongestKey = 1024;    ///< Of group and property; longer ones are not found.
+    static constexpr std::size_t kMostWatched = 4096;   ///< Properties and groups.
+    static constexpr std::size_t kMostPrograms = 16;    ///< That it speaks for, or would like to.
 
     using Log = std::function<void(std::string_view)>;
 
@@ -67,6 +69,7 @@ private:
     void handOnSets(Member& member, const JSONPICL& message, Questions::Clock::time_point now);
     void markSets(Member& member, Peer& owner, Questions::Clock::time_point now);
     void takeReports(Member& member, const JSONPICL& message);
+    void refuseMore(Member& member);
     [[nodiscard]] Directory::Program* programOf(Member& member, const PropertyGetResponse& report);
     [[nodiscard]] Directory::Program* claim(Member& member, const PropertyGetResponse& report);
     void promote(const std::string& component);

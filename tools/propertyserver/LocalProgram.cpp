@@ -6,6 +6,7 @@
 #include "property/MakeProperty.h"
 #include "property/StringProperty.h"
 
+#include <algorithm>
 #include <utility>
 
 LocalProgram::LocalProgram(const VocabularyEntry& component, Say say)
@@ -14,8 +15,15 @@ LocalProgram::LocalProgram(const VocabularyEntry& component, Say say)
 
 void LocalProgram::add(const std::shared_ptr<Property>& property) {
     m_table.addProperty(property);
-    property->addListener([this](const std::shared_ptr<Property>& changed) { report(*changed); });
+    property->addListener([this](const std::shared_ptr<Property>& which) { changed(which); });
     report(*property);
+}
+
+void LocalProgram::changed(const std::shared_ptr<Property>& property) {
+    if (!m_isTakingSets)
+        report(*property);
+    else if (std::find(m_changed.begin(), m_changed.end(), property) == m_changed.end())
+        m_changed.push_back(property);
 }
 
 void LocalProgram::report(const Property& property) const {
@@ -38,11 +46,15 @@ void LocalProgram::send(JSONPICL& message) {
         answer(received);
 }
 
-void LocalProgram::takeSets(const JSONPICL& message) const {
+void LocalProgram::takeSets(const JSONPICL& message) {
+    m_isTakingSets = true;
     message.forEachSetRequest([this](const PropertySetRequest& request) {
         if (const std::shared_ptr<Property> property = m_table.findProperty(request.guid, request.group))
             applyText(*property, request.value);
     });
+    m_isTakingSets = false;
+    for (const std::shared_ptr<Property>& property : std::exchange(m_changed, {}))
+        report(*property);
 }
 
 void LocalProgram::answer(const JSONPICL& message) const {

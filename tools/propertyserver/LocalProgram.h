@@ -14,7 +14,8 @@ class Property;
 
 /// A program that lives in the server itself, and takes part as any other does.
 ///
-/// Its properties are reported at each change, at once. Belongs to the thread of the event loop.
+/// Its properties are reported at each change, at once; what one message changes, once, when all of it is
+/// set. Belongs to the thread of the event loop.
 class LocalProgram final : public Peer {
 public:
     /// Takes a message of this program, as it travels. Must not deal with it inside of the call.
@@ -29,17 +30,20 @@ public:
     void send(JSONPICL& message) override;
 
     // It watches nothing, and asks nothing.
-    void answer(const std::vector<SharedReport>& /*reports*/, bool /*isForAll*/) override {}
+    void answer(std::vector<SharedReport> /*reports*/, bool /*isForAll*/) override {}
     void publish(const SharedReport& /*report*/) override {}
     void hold(bool /*holds*/) override {}
     void end(std::string_view /*why*/) override {}
 
 private:
+    void changed(const std::shared_ptr<Property>& property);
     void report(const Property& property) const;
-    void takeSets(const JSONPICL& message) const;
+    void takeSets(const JSONPICL& message);
     void answer(const JSONPICL& message) const;
 
     const Say m_say;
     const std::shared_ptr<Property> m_component;
     PropertyTable m_table;
+    std::vector<std::shared_ptr<Property>> m_changed; // by the message that is dealt with
+    bool m_isTakingSets = false;
 };

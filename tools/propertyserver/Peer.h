@@ -54,7 +54,7 @@ public:
 
     /// Sends the answer to a question: @p reports, marked as all there are if @p isForAll. It counts more
     /// than what was published on the same properties and has not gone out.
-    virtual void answer(const std::vector<SharedReport>& reports, bool isForAll) = 0;
+    virtual void answer(std::vector<SharedReport> reports, bool isForAll) = 0;
 
     /// Tells of a change. A peer that is slow is told the last one of each property.
     virtual void publish(const SharedReport& report) = 0;
@@ -62,6 +62,10 @@ public:
     /// Takes no more questions and sets of the peer, or goes on with them. Its reports are taken:
     /// somebody waits for them.
     virtual void hold(bool holds) = 0;
+
+    /// Tells that @p bytes more are kept for the peer, or fewer. Who has the most makes room where memory
+    /// runs out.
+    virtual void charge(std::ptrdiff_t /*bytes*/) {}
 
     /// Ends the connection; @p why is the log's sentence without its subject.
     virtual void end(std::string_view why) = 0;

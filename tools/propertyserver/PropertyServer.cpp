@@ -37,6 +37,9 @@ constexpr std::chrono::milliseconds kTick{250};
 // How long a message is looked for before the server sleeps.
 constexpr std::chrono::microseconds kLookOut{20};
 
+// In all connections together; then who has the most has to go.
+constexpr std::size_t kMostWaiting = 128U << 20U;
+
 // Until the host may have a descriptor again.
 constexpr std::chrono::milliseconds kAcceptPause{200};
 
@@ -69,10 +72,13 @@ private:
     void take(Peer& peer, const JSONPICL& message);
     void takeLocal(const std::string& frame);
     void drop(Connection& connection, std::string_view why);
+    void weigh(std::size_t from, std::size_t to);
+    void makeRoom();
     void tick();
     [[nodiscard]] bool endWaiting(Questions::Clock::time_point now);
 
     const PropertyServerOptions m_options;
+    Turns m_turns{context};
     const Connection::Handler m_handler;
     std::optional<os::LocalListener> m_listener;
     Device::acceptor m_device{context};
@@ -84,6 +90,8 @@ private:
     Hub m_hub;
     LocalProgram m_firmware;
     std::set<std::shared_ptr<Connection>> m_connections;
+    std::size_t m_waiting = 0; // bytes, in all connections
+    bool m_isMakingRoom = false;
     bool m_isListening = false;
     bool m_isTicking = false;
 };
@@ -92,7 +100,8 @@ PropertyServer::Loop::Loop(PropertyServerOptions options)
     : m_options(std::move(options)),
       m_handler{[this](Connection& connection, const JSONPICL& message) { take(connection, message); },
                 [this] { tick(); },
-                [this](Connection& connection, std::string_view why) { drop(connection, why); }},
+                [this](Connection& connection, std::string_view why) { drop(connection, why); },
+                [this](std::size_t from, std::size_t to) { weigh(from, to); }, m_turns},
       m_hub([this](std::string_view sentence) {
           if (m_isListening) // the firmware is there before anybody else
               m_options.log(sentence);
@@ -214,6 +223,21 @@ void PropertyServer::Loop::takeLocal(const std::string& frame) {
 void PropertyServer::Loop::drop(Connection& connection, std::string_view why) {
     m_hub.leave(connection, why);
     m_connections.erase(connection.shared_from_this());
+}
+
+void PropertyServer::Loop::weigh(std::size_t from, std::size_t to) {
+    m_waiting += to - from;
+    if (to > from && m_waiting > kMostWaiting && !std::exchange(m_isMakingRoom, true))
+        asio::post(context, [this] { makeRoom(); }); // not inside of a call of a connection
+}
+
+void PropertyServer::Loop::makeRoom() {
+    m_isMakingRoom = false;
+    const auto heaviest =
+        std::max_element(m_connections.begin(), m_connections.end(),
+                         [](const auto& one, const auto& other) { return one->load() < other->load(); });
+    if (m_waiting > kMostWaiting && heaviest != m_connections.end())
+        (*heaviest)->end("takes more memory than any other, and there is no more");
 }
 
 // Runs only as long as something waits: a server that has nothing to do sleeps.
