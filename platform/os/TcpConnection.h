@@ -18,4 +18,8 @@ inline constexpr std::chrono::milliseconds kConnectLimit{3000};
 [[nodiscard]] Descriptor openTcpConnection(std::uint32_t address, std::uint16_t port,
                                            std::chrono::milliseconds limit = kConnectLimit);
 
+/// Has the connection @p socket fail within about a minute after its peer was lost without a word, as by a
+/// cable that is pulled. Where the host refuses, it takes hours.
+void noticeLostPeer(int socket);
+
 } // namespace os

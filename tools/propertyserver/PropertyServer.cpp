@@ -3,6 +3,7 @@
 #include "picl/FrameReader.h"
 #include "platform/os/DescriptorLimit.h"
 #include "platform/os/LocalListener.h"
+#include "platform/os/TcpConnection.h"
 #include "property/BoolProperty.h"
 #include "property/MakeProperty.h"
 #include "property/UInt32Property.h"
@@ -198,7 +199,7 @@ void PropertyServer::Loop::admit(Socket socket) {
     if constexpr (std::is_same_v<Socket, tcp::socket>) {
         boost::system::error_code ignored; // it works without, if not as well
         socket.set_option(tcp::no_delay(true), ignored);
-        socket.set_option(asio::socket_base::keep_alive(true), ignored);
+        os::noticeLostPeer(socket.native_handle());
     }
     const auto connection = std::make_shared<Connection>(std::move(socket), m_handler);
     m_connections.insert(connection);

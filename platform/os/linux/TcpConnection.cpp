@@ -43,4 +43,19 @@ Descriptor openTcpConnection(std::uint32_t address, std::uint16_t port, std::chr
     return socket;
 }
 
+void noticeLostPeer(int socket) {
+    constexpr int idleSeconds = 30;
+    constexpr int secondsBetweenProbes = 10;
+    constexpr int probes = 3;
+    constexpr unsigned unansweredMs = 60'000; // of what is written
+    const auto set = [socket](int level, int option, const auto& value) {
+        static_cast<void>(::setsockopt(socket, level, option, &value, sizeof value));
+    };
+    set(IPPROTO_TCP, TCP_KEEPIDLE, idleSeconds);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, secondsBetweenProbes);
+    set(IPPROTO_TCP, TCP_KEEPCNT, probes);
+    set(IPPROTO_TCP, TCP_USER_TIMEOUT, unansweredMs);
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+}
+
 } // namespace os
