@@ -59,6 +59,21 @@ B: get X/NONE:
 A: miss X/mark
     B: has the answer 
 )"},
+    {"WhoAsksForAGroupLaterHasWhatCameSince", R"(
+A: tell X/G:P=1
+B: get X/G:
+    A: get X/G: X/mark
+A: tell X/G:P=2 X/G:Q=3 X/G:R=4
+C: get X/G:
+    A: get X/G: X/mark
+A: tell X/G:Q=5
+A: lose X/G:R=4
+A: miss X/mark
+    B: has the answer tell X/G:P=2 X/G:Q=5
+A: tell X/G:S=6
+A: miss X/mark
+    C: has the answer tell X/G:Q=5 X/G:S=6
+)"},
     {"AQuestionForAllIsAnsweredWithWhatTheOthersSayNow", R"(
 A: tell X/G:P=1
 B: tell Y/G:P=2
@@ -95,6 +110,23 @@ B: tell Y/G:P=2
     C: has the answer miss X/G:P tell Y/G:P=2
 B: miss Y/mark
     D: has the answer all-there-is tell Y/G:P=2
+)"},
+    {"TheProgramGoesWhenOneHasItsReportAndOneHasNot", R"(
+A: tell X/G:P=1
+B: tell Y/G:P=1
+C: get X/G:P Y/G:P
+    A: get X/G:P
+    B: get Y/G:P
+A: tell X/G:P=2
+D: get X/G:P Y/G:P
+    A: get X/G:P
+    B: get Y/G:P
+A leaves
+B: tell Y/G:P=3
+    C: has the answer tell X/G:P=2 Y/G:P=3
+E: tell X/G:P=4
+B: tell Y/G:P=5
+    D: has the answer tell X/G:P=4 Y/G:P=5
 )"},
     {"TheOneWhoAsksGoes", R"(
 A: tell X/G:P=1

@@ -3,7 +3,6 @@
 #include "picl/PropertyReports.h"
 #include "property/PropertyKey.h"
 
-#include <iterator>
 #include <utility>
 
 SharedReport makeNotFound(const PropertyGetRequest& request) {
@@ -13,23 +12,59 @@ SharedReport makeNotFound(const PropertyGetRequest& request) {
     return report;
 }
 
+void Questions::Group::tell(Number number, const SharedReport& report) {
+    forget(report->key());
+    told.emplace_hint(told.end(), number, report);
+    byKey.emplace(report->key(), number);
+}
+
+void Questions::Group::forget(std::string_view key) {
+    const auto found = byKey.find(key);
+    if (found == byKey.end())
+        return;
+    const auto place = told.find(found->second);
+    byKey.erase(found);
+    told.erase(place);
+}
+
+void Questions::Group::forgetBefore(Number number) {
+    while (!told.empty() && told.begin()->first < number)
+        forget(told.begin()->second->key());
+}
+
 void Questions::add(Question question, Clock::time_point now) {
-    const Place place = m_questions.insert(m_questions.end(), {std::move(question), 0, now + kPatience});
-    const std::vector<Question::Item>& items = place->question.items;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (items[i].report)
-            continue;
-        indexOf(items[i])[items[i].id].push_back({place, i});
-        if (items[i].kind != Question::Item::Kind::Group)
-            ++place->open;
-    }
-    if (place->open == 0)
+    const Number number = ++m_count;
+    const std::size_t many = question.items.size();
+    m_asked[question.asker].insert(number);
+    const auto place = m_questions.emplace_hint(
+        m_questions.end(), number,
+        Waiting{std::move(question), std::vector<Number>(many, kFromTheStart), 0, now + kPatience});
+    for (std::size_t i = 0; i < many; ++i)
+        enter(place->second, {number, i});
+    if (place->second.open == 0)
         finish(place);
+}
+
+void Questions::enter(Waiting& waiting, Ref ref) {
+    const Question::Item& item = waiting.question.items[ref.item];
+    if (item.report)
+        return;
+    waiting.told[ref.item] = 0;
+    if (item.kind == Question::Item::Kind::Group) {
+        m_groups[item.id].waiting.insert(ref);
+        return;
+    }
+    Property& property = m_properties[item.id];
+    property.open.insert(ref);
+    ++property.waiting;
+    m_components[item.request.component].insert(ref);
+    ++waiting.open;
 }
 
 bool Questions::settle(const SharedReport& report) {
     if (m_questions.empty())
         return false;
+    ++m_count;
     if (report->record.status == status::kNoLongerAvailable) {
         recall(report);
         return false;
@@ -39,95 +74,121 @@ bool Questions::settle(const SharedReport& report) {
     const auto found = m_properties.find(report->id);
     if (found == m_properties.end())
         return false;
-    for (const Ref ref : found->second) {
-        if (!give(ref, report))
-            continue;
-        if (--ref.place->open == 0)
-            finish(ref.place);
-        return true;
-    }
-    return false;
+    Property& property = found->second;
+    property.last = report;
+    property.told = m_count;
+    if (property.open.empty())
+        return false;
+    give(*property.open.begin(), report);
+    return true;
 }
 
-// Returns whether the item had no report before.
-bool Questions::give(const Ref& ref, const SharedReport& report) {
-    return std::exchange(ref.place->question.items[ref.item].report, report) == nullptr;
+void Questions::give(Ref ref, SharedReport report) {
+    const auto place = m_questions.find(ref.question);
+    Waiting& waiting = place->second;
+    Question::Item& item = waiting.question.items[ref.item];
+    item.report = std::move(report);
+    waiting.told[ref.item] = m_count;
+    --waiting.open;
+    close(item, ref);
+    if (waiting.open == 0)
+        finish(place);
+}
+
+// The item waits no more for a report of its own.
+void Questions::close(const Question::Item& item, Ref ref) {
+    m_properties.find(item.id)->second.open.erase(ref);
+    const auto component = m_components.find(item.request.component);
+    component->second.erase(ref);
+    if (component->second.empty())
+        m_components.erase(component);
 }
 
 void Questions::collect(const SharedReport& report) {
     if (report->record.status == status::kNotFound)
         return;
     const auto found = m_groups.find(idOf(report->component(), splitKey(report->key()).groupGuid));
-    if (found == m_groups.end())
-        return;
-    for (const Ref& ref : found->second)
-        ref.place->question.items[ref.item].group[std::string(report->key())] = report;
+    if (found != m_groups.end())
+        found->second.tell(m_count, report);
 }
 
 // What was said of the property before holds no more; whoever has heard nothing yet will be answered.
 void Questions::recall(const SharedReport& gone) {
     if (const auto found = m_properties.find(gone->id); found != m_properties.end()) {
-        for (const Ref& ref : found->second) {
-            Question::Item& item = ref.place->question.items[ref.item];
-            if (item.report)
-                item.report = makeNotFound(item.request);
-        }
+        found->second.last = nullptr;
+        found->second.told = m_count;
     }
     const auto group = m_groups.find(idOf(gone->component(), splitKey(gone->key()).groupGuid));
-    if (group == m_groups.end())
-        return;
-    for (const Ref& ref : group->second)
-        ref.place->question.items[ref.item].group.erase(std::string(gone->key()));
+    if (group != m_groups.end())
+        group->second.forget(gone->key());
 }
 
 void Questions::settleGone(std::string_view component) {
-    for (auto place = m_questions.begin(); place != m_questions.end();) {
-        const Place next = std::next(place);
-        for (Question::Item& item : place->question.items) {
-            if (item.kind == Question::Item::Kind::Group || item.report ||
-                item.request.component != component)
-                continue;
-            item.report = makeNotFound(item.request);
-            --place->open;
-        }
-        if (place->open == 0)
-            finish(place);
-        place = next;
+    for (auto found = m_components.find(component); found != m_components.end();
+         found = m_components.find(component)) {
+        const Ref ref = *found->second.begin();
+        give(ref, makeNotFound(m_questions.find(ref.question)->second.question.items[ref.item].request));
     }
 }
 
 void Questions::forget(const Peer& asker) {
-    for (auto place = m_questions.begin(); place != m_questions.end();) {
-        const Place next = std::next(place);
-        if (place->question.asker == &asker) {
-            place->question.asker = nullptr;
-            finish(place);
-        }
-        place = next;
+    const auto asked = m_asked.extract(&asker);
+    if (asked.empty())
+        return;
+    for (const Number number : asked.mapped()) {
+        const auto place = m_questions.find(number);
+        place->second.question.asker = nullptr;
+        finish(place);
     }
 }
 
 void Questions::expire(Clock::time_point now) {
-    while (!m_questions.empty() && m_questions.front().deadline <= now)
+    while (!m_questions.empty() && m_questions.begin()->second.deadline <= now)
         finish(m_questions.begin());
 }
 
-Questions::Index& Questions::indexOf(const Question::Item& item) {
-    return item.kind == Question::Item::Kind::Group ? m_groups : m_properties;
+void Questions::leaveProperty(Waiting& waiting, Ref ref) {
+    Question::Item& item = waiting.question.items[ref.item];
+    const auto found = m_properties.find(item.id);
+    Property& property = found->second;
+    if (!item.report)
+        close(item, ref);
+    else if (waiting.told[ref.item] < property.told)
+        item.report = property.last ? property.last : makeNotFound(item.request);
+    if (--property.waiting == 0)
+        m_properties.erase(found);
 }
 
-void Questions::finish(Place place) {
-    for (const Question::Item& item : place->question.items) {
-        Index& index = indexOf(item);
-        const auto found = index.find(item.id);
-        if (found == index.end())
-            continue;
-        std::erase_if(found->second, [&](const Ref& ref) { return ref.place == place; });
-        if (found->second.empty())
-            index.erase(found);
-    }
-    Waiting ended = std::move(*place);
+void Questions::leaveGroup(Question::Item& item, Ref ref) {
+    const auto found = m_groups.find(item.id);
+    Group& group = found->second;
+    for (auto told = group.told.upper_bound(ref.question); told != group.told.end(); ++told)
+        item.group.emplace(told->second->key(), told->second);
+    group.waiting.erase(ref);
+    if (group.waiting.empty())
+        m_groups.erase(found);
+    else
+        group.forgetBefore(group.waiting.begin()->question);
+}
+
+void Questions::finish(Waitings::iterator place) {
+    Waiting ended = std::move(place->second);
+    const Number number = place->first;
     m_questions.erase(place);
-    if (ended.question.asker != nullptr)
-        m_answer(ended.question);
+    for (std::size_t i = 0; i < ended.told.size(); ++i) {
+        Question::Item& item = ended.question.items[i];
+        if (ended.told[i] == kFromTheStart)
+            continue;
+        if (item.kind == Question::Item::Kind::Group)
+            leaveGroup(item, {number, i});
+        else
+            leaveProperty(ended, {number, i});
+    }
+    if (ended.question.asker == nullptr)
+        return;
+    const auto asked = m_asked.find(ended.question.asker);
+    asked->second.erase(number);
+    if (asked->second.empty())
+        m_asked.erase(asked);
+    m_answer(ended.question);
 }

@@ -4,12 +4,14 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
-#include <list>
+#include <limits>
 #include <map>
-#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -49,6 +51,9 @@ struct Question {
 /// it, but for what an older question waits for, and keeps the newest until its question is answered: once
 /// each of its properties has a report. Whether a group is complete nobody tells. Behind it, and behind
 /// questions for all, goes a mark, whose report is certain and comes behind the others.
+///
+/// Any number may wait for one property: what a report or the end of a question costs does not grow with it.
+/// So what is newest is kept once for all who wait, and looked up when a question ends.
 class Questions {
 public:
     using Clock = std::chrono::steady_clock;
@@ -79,28 +84,61 @@ public:
     [[nodiscard]] bool isEmpty() const { return m_questions.empty(); }
 
 private:
+    // Questions and reports are numbered in the order of their coming.
+    using Number = std::uint64_t;
+    static constexpr Number kFromTheStart = std::numeric_limits<Number>::max();
+
     struct Waiting {
         Question question;
-        std::size_t open = 0; // items without a report
+        std::vector<Number> told; // when each item got its report
+        std::size_t open = 0;     // items without a report
         Clock::time_point deadline;
     };
-    using Place = std::list<Waiting>::iterator;
+    using Waitings = std::map<Number, Waiting>;
     struct Ref {
-        Place place;
+        Number question;
         std::size_t item;
-    };
-    using Index = std::unordered_map<std::string, std::vector<Ref>>;
 
-    static bool give(const Ref& ref, const SharedReport& report);
+        bool operator<(const Ref& other) const {
+            return std::tie(question, item) < std::tie(other.question, other.item);
+        }
+    };
+    using Refs = std::set<Ref>; // the oldest first
+
+    struct Property {
+        Refs open;               // who has no report yet
+        std::size_t waiting = 0; // with those who have one
+        SharedReport last;       // for the latter; absent once the property has gone
+        Number told = 0;         // when that was said
+    };
+
+    // Each of those who wait gets what was told since it asked.
+    struct Group {
+        void tell(Number number, const SharedReport& report);
+        void forget(std::string_view key);
+        void forgetBefore(Number number);
+
+        Refs waiting;
+        std::map<Number, SharedReport> told;                // the last on each property
+        std::unordered_map<std::string_view, Number> byKey; // full keys, which the reports own
+    };
+
+    void enter(Waiting& waiting, Ref ref);
+    void give(Ref ref, SharedReport report);
+    void close(const Question::Item& item, Ref ref);
     void collect(const SharedReport& report);
     void recall(const SharedReport& gone);
-    [[nodiscard]] Index& indexOf(const Question::Item& item);
-    void finish(Place place);
+    void leaveProperty(Waiting& waiting, Ref ref);
+    void leaveGroup(Question::Item& item, Ref ref);
+    void finish(Waitings::iterator place);
 
     const Answer m_answer;
-    std::list<Waiting> m_questions; // the oldest first
-    Index m_properties;             // who waits, by id; the oldest first
-    Index m_groups;
+    Number m_count = 0;
+    Waitings m_questions; // the oldest first
+    std::unordered_map<const Peer*, std::set<Number>> m_asked;
+    std::unordered_map<std::string, Property> m_properties; // that are waited for, by id
+    std::unordered_map<std::string, Group> m_groups;
+    std::map<std::string, Refs, std::less<>> m_components; // who has no report from them yet
 };
 
 /// Returns the report that says that there is no property such as @p request asks for.
