@@ -2,20 +2,11 @@
 
 #include "property/PropertyKey.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace {
 
-bool addTo(std::vector<Peer*>& watchers, Peer& peer) {
-    if (std::find(watchers.begin(), watchers.end(), &peer) != watchers.end())
-        return false;
-    watchers.push_back(&peer);
-    return true;
-}
-
-void tell(const std::vector<Peer*>& watchers, const SharedReport& report) {
+void tell(const std::list<Peer*>& watchers, const SharedReport& report) {
     for (Peer* watcher : watchers)
         watcher->publish(report);
 }
@@ -57,19 +48,29 @@ SharedReport Directory::remember(Program& program, const SharedReport& report, b
 }
 
 bool Directory::watch(Peer& peer, std::string_view component, std::string_view group, std::string_view guid) {
-    Program& program = m_programs[std::string(component)];
-    if (guid.empty())
-        return addTo(program.groupWatchers[std::string(group)], peer);
-    return addTo(program.properties[fullKey(group, guid)].watchers, peer);
+    const auto program = m_programs.try_emplace(std::string(component)).first;
+    Properties& among = guid.empty() ? program->second.groups : program->second.properties;
+    const auto property = among.try_emplace(guid.empty() ? std::string(group) : fullKey(group, guid)).first;
+    const auto [watch, isNew] =
+        m_watched[&peer].properties.try_emplace(&property->second, Watch{program, &among, property, {}});
+    if (!isNew)
+        return false;
+    Watchers& watchers = property->second.watchers;
+    watch->second.place = watchers.insert(watchers.end(), &peer);
+    ++program->second.watches;
+    return true;
 }
 
-bool Directory::watchAll(Peer& peer) { return addTo(m_watchersOfAll, peer); }
+bool Directory::watchAll(Peer& peer) {
+    std::optional<Watchers::iterator>& place = m_watched[&peer].all;
+    if (place)
+        return false;
+    place = m_watchersOfAll.insert(m_watchersOfAll.end(), &peer);
+    return true;
+}
 
 bool Directory::isWatched(const Program& program) const {
-    const auto& properties = program.properties;
-    return !m_watchersOfAll.empty() || !program.groupWatchers.empty() ||
-           std::any_of(properties.begin(), properties.end(),
-                       [](const auto& property) { return !property.second.watchers.empty(); });
+    return !m_watchersOfAll.empty() || program.watches > 0;
 }
 
 void Directory::deliver(const Program& program, const SharedReport& report) const {
@@ -79,11 +80,11 @@ void Directory::deliver(const Program& program, const SharedReport& report) cons
     }
     if (const auto property = program.properties.find(report->key()); property != program.properties.end())
         tell(property->second.watchers, report);
-    if (program.groupWatchers.empty())
+    if (program.groups.empty())
         return;
-    if (const auto group = program.groupWatchers.find(splitKey(report->key()).groupGuid);
-        group != program.groupWatchers.end())
-        tell(group->second, report);
+    if (const auto group = program.groups.find(splitKey(report->key()).groupGuid);
+        group != program.groups.end())
+        tell(group->second.watchers, report);
 }
 
 void Directory::orphan(std::string_view component) {
@@ -99,18 +100,27 @@ void Directory::orphan(std::string_view component) {
             deliver(program, gone);
         }
     }
+    std::erase_if(program.properties, [](const auto& property) { return property.second.watchers.empty(); });
     tidy(found);
 }
 
 void Directory::forget(Peer& peer) {
-    std::erase(m_watchersOfAll, &peer);
-    for (auto program = m_programs.begin(); program != m_programs.end();) {
-        for (auto& [key, property] : program->second.properties)
-            std::erase(property.watchers, &peer);
-        for (auto& [group, watchers] : program->second.groupWatchers)
-            std::erase(watchers, &peer);
-        tidy(program++);
-    }
+    const auto watched = m_watched.extract(&peer);
+    if (watched.empty())
+        return;
+    if (const auto& place = watched.mapped().all)
+        m_watchersOfAll.erase(*place);
+    for (const auto& [property, watch] : watched.mapped().properties)
+        leave(watch);
+}
+
+void Directory::leave(const Watch& watch) {
+    Property& property = watch.property->second;
+    property.watchers.erase(watch.place);
+    if (!property.last && property.watchers.empty())
+        watch.among->erase(watch.property);
+    --watch.program->second.watches;
+    tidy(watch.program);
 }
 
 void Directory::forEachConnected(const std::function<void(const std::string&, Program&)>& handle) {
@@ -120,11 +130,8 @@ void Directory::forEachConnected(const std::function<void(const std::string&, Pr
     }
 }
 
+// Who watches all keeps no program that has gone, and hears of it when it comes again.
 void Directory::tidy(Programs::iterator program) {
-    std::erase_if(program->second.properties, [](const auto& property) {
-        return !property.second.last && property.second.watchers.empty();
-    });
-    std::erase_if(program->second.groupWatchers, [](const auto& group) { return group.second.empty(); });
-    if (program->second.owner == nullptr && !isWatched(program->second))
+    if (program->second.owner == nullptr && program->second.watches == 0)
         m_programs.erase(program);
 }

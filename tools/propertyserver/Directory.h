@@ -4,10 +4,12 @@
 
 #include <cstddef>
 #include <functional>
+#include <list>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <unordered_map>
 
 /// Who owns what, what was last told of it, and who watches it.
 ///
@@ -20,18 +22,22 @@ public:
     static constexpr std::size_t kMostProperties = 10'000;
     static constexpr std::size_t kMostBytes = 16U << 20U;
 
+    using Watchers = std::list<Peer*>; ///< In the order of their coming.
+
     struct Property {
         SharedReport last; ///< Absent as long as nobody has reported it.
-        std::vector<Peer*> watchers;
+        Watchers watchers;
     };
+    using Properties = std::map<std::string, Property, std::less<>>;
 
     struct Program {
         Peer* owner = nullptr; ///< Absent while the program is not connected.
         bool isSubscribed = false;
-        std::size_t known = 0;                                   ///< Properties with a report.
-        std::size_t bytes = 0;                                   ///< Of their reports.
-        std::map<std::string, Property, std::less<>> properties; ///< By full key.
-        std::map<std::string, std::vector<Peer*>, std::less<>> groupWatchers;
+        std::size_t known = 0;   ///< Properties with a report.
+        std::size_t bytes = 0;   ///< Of their reports.
+        std::size_t watches = 0; ///< How often it is watched.
+        Properties properties;   ///< By full key.
+        Properties groups;       ///< That are watched, by GUID, without a report.
     };
 
     /// Returns the program, or null where nobody has heard of it.
@@ -58,7 +64,7 @@ public:
     /// Tells the watchers that the properties of @p component have gone, and that they have no owner now.
     void orphan(std::string_view component);
 
-    /// Forgets @p peer as a watcher.
+    /// Forgets @p peer as a watcher. Costs what it has watched, whatever others do.
     void forget(Peer& peer);
 
     /// Calls @p handle for each program that is connected, in the order of their GUIDs.
@@ -67,8 +73,22 @@ public:
 private:
     using Programs = std::map<std::string, Program, std::less<>>;
 
+    // What is watched, and where in it the watcher stands.
+    struct Watch {
+        Programs::iterator program;
+        Properties* among;
+        Properties::iterator property;
+        Watchers::iterator place;
+    };
+    struct Watched {
+        std::unordered_map<const Property*, Watch> properties; // and groups
+        std::optional<Watchers::iterator> all;                 // its place among those who watch all
+    };
+
+    void leave(const Watch& watch);
     void tidy(Programs::iterator program);
 
     Programs m_programs;
-    std::vector<Peer*> m_watchersOfAll;
+    Watchers m_watchersOfAll;
+    std::unordered_map<const Peer*, Watched> m_watched;
 };
