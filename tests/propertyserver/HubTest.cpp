@@ -426,6 +426,29 @@ TEST(HubLimits, WhoWantsMoreThanThereMayBeGoesOrIsNotHeard) {
     EXPECT_EQ(hub.hears("A"), "") << "components that can be none";
 }
 
+TEST(HubLimits, WhatIsKeptForAProgramIsKnown) {
+    struct {
+        const char* name;
+        const char* keeps;
+        const char* isDone;
+    } const kRows[] = {
+        {"a property", "B: tell X/G:P=1\n", "B: lose X/G:P=1\n"},
+        {"a question", "A: tell Y/G:P=1\nB: get Y/G:P Y/G:\n", "time passes\n"},
+        {"a question for all", "A: tell Y/G:P=1\nB: get-all\n", "A: all-there-is miss Y/mark\n"},
+        {"what is watched", "B: watch X/G:P\n", nullptr},
+        {"that all is watched", "B: watch-all\n", nullptr},
+    };
+    for (const auto& [name, keeps, isDone] : kRows) {
+        ScriptedHub hub;
+        hub.play(keeps);
+        EXPECT_GE(hub.program("B").charged, 512) << name;
+        if (isDone == nullptr)
+            continue;
+        hub.play(isDone);
+        EXPECT_EQ(hub.program("B").charged, 0) << name;
+    }
+}
+
 TEST(HubLimits, TheLogHoldsTheBeginningOfALongName) {
     ScriptedHub hub;
     JSONPICL message;

@@ -17,10 +17,12 @@ public:
     void answer(std::vector<SharedReport> reports, bool isForAll) override;
     void publish(const SharedReport& report) override;
     void hold(bool holds) override { heard.emplace_back(holds ? "is held" : "is free"); }
+    void charge(std::ptrdiff_t bytes) override { charged += bytes; }
     void end(std::string_view why) override { heard.emplace_back("ends, " + std::string(why)); }
 
     std::vector<std::string> heard;
     PropertyGetResponses reports;         ///< All that came, as they came.
+    std::ptrdiff_t charged = 0;           ///< Bytes that are kept for it.
     std::deque<PropertyGetRequest> marks; ///< That it was asked for, and has not missed.
 
 private:

@@ -44,6 +44,12 @@ void connectToTcp(const os::Descriptor& socket, std::uint16_t port) {
     EXPECT_EQ(::connect(socket.value(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
 }
 
+std::string travelling(const ShortHand& text) {
+    JSONPICL message;
+    write(text, message);
+    return message.toFrame();
+}
+
 /// A program that a test speaks for, at its end of a connection.
 class Program {
 public:
@@ -77,9 +83,7 @@ public:
     }
 
     void says(const ShortHand& text) const {
-        JSONPICL message;
-        ::write(text, message);
-        const std::string frame = message.toFrame();
+        const std::string frame = travelling(text);
         EXPECT_EQ(::send(m_socket.value(), frame.data(), frame.size(), MSG_NOSIGNAL),
                   static_cast<ssize_t>(frame.size()));
     }
@@ -231,10 +235,16 @@ TEST_P(Rude, HarmsNobody) {
     EXPECT_NE(Program().asksFirmware().find("=300"), std::string::npos);
 }
 
+/// Writes @p bytes of each on so many connections that nobody has room for all of it, and stays.
+void stayOften(const std::function<std::string(std::size_t)>& bytes, const std::atomic<bool>& goesOn) {
+    std::vector<Program> programs(100);
+    for (std::size_t i = 0; i < programs.size(); ++i)
+        programs[i].write(bytes(i), goesOn);
+    eventually([&] { return !goesOn; });
+}
+
 void writeAgain(Program& program, const ShortHand& text, const std::atomic<bool>& goesOn) {
-    JSONPICL message;
-    write(text, message);
-    const std::string frame = message.toFrame();
+    const std::string frame = travelling(text);
     while (program.write(frame, goesOn)) {
     }
 }
@@ -247,14 +257,15 @@ const RudeProgram kRudePrograms[] = {
              eventually([&] { return !goesOn; });
      }},
     {"WhoBeginsManyLongFrames",
-     [](Program& program, const std::atomic<bool>& goesOn) {
-         const std::string part =
-             frameOf(std::string(frame::kLargestText, ' ')).substr(0, frame::kLargestText);
-         std::vector<Program> others(100);
-         for (const Program& other : others)
-             other.write(part, goesOn);
-         program.write(part, goesOn);
-         eventually([&] { return !goesOn; });
+     [](Program&, const std::atomic<bool>& goesOn) {
+         const std::string frame = frameOf(std::string(frame::kLargestText, ' '));
+         stayOften([&](std::size_t) { return frame.substr(0, frame::kLargestText); }, goesOn);
+     }},
+    {"WhoTellsManyLongValues",
+     [](Program&, const std::atomic<bool>& goesOn) {
+         const std::string value = "/G:P=" + std::string(frame::kLargestText - 1000, 'v');
+         stayOften([&](std::size_t i) { return travelling("tell RUDE" + std::to_string(i) + value); },
+                   goesOn);
      }},
     {"WhoSendsGarbage",
      [](Program& program, const std::atomic<bool>& goesOn) {

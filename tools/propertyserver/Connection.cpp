@@ -200,7 +200,7 @@ void Connection::makeFrameInTurn() {
 
 // Who has a long answer to read is not at fault; who asks on and on without reading is.
 bool Connection::hasRoom() {
-    if (m_outbox.waitingForReader() > kMostWaiting || m_outbox.waiting() > kMostToTell)
+    if (m_outbox.waitingForReader() > kMostWaiting || m_outbox.waitingChanges() > kMostChanges)
         end("does not read what it is sent");
     return !m_hasEnded && !m_isDeaf;
 }

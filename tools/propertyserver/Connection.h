@@ -29,9 +29,8 @@ public:
     /// taken: several of the longest frames.
     static constexpr std::size_t kMostWaiting = 32U << 20U;
 
-    /// With how much waiting in all, answers and changes too, which may be of what has gone meanwhile, it is
-    /// too slow for ever.
-    static constexpr std::size_t kMostToTell = 64U << 20U;
+    /// With how many bytes of changes waiting it is too slow for ever: each is the last of its property.
+    static constexpr std::size_t kMostChanges = 64U << 20U;
 
     /// With how much waiting what others ask and set is still sent: well below, for that is not its fault.
     static constexpr std::size_t kMostOfOthers = kMostWaiting / 2;

@@ -17,6 +17,7 @@ constexpr std::size_t kWeightOfGroup = 64;
 constexpr std::size_t kWeightOfAll = 256;
 constexpr std::size_t kBytesAsOne = 1024; // of a set, which has the weight of one more for as many
 constexpr std::size_t kSetsForMark = 64;
+constexpr std::size_t kBytesBeside = 512; // that anything kept takes, roughly, beside its texts
 constexpr std::string_view kNoGroup = "00000000-0000-0000-0000-000000000000";
 
 // As a GUID is, and without what separates it from the property in an id.
@@ -39,6 +40,16 @@ PropertyGetRequest escaped(PropertyGetRequest request) {
         escapeInPlace(*text);
     return request;
 }
+
+std::size_t bytesOf(const PropertyGetRequest& request) {
+    return kBytesBeside + 2 * (request.component.size() + request.group.size() + request.guid.size());
+}
+
+std::size_t bytesOf(const Directory::Program& program) {
+    return program.bytes + program.known * kBytesBeside;
+}
+
+std::ptrdiff_t difference(std::size_t from, std::size_t to) { return static_cast<std::ptrdiff_t>(to - from); }
 
 using Kind = Question::Item::Kind;
 
@@ -272,7 +283,9 @@ void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer)
     if (!isFound)
         return;
     bool isTaken = false;
+    const std::size_t before = bytesOf(*program);
     const SharedReport last = m_directory.remember(*program, report, isTaken);
+    member.peer->charge(difference(before, bytesOf(*program)));
     if (!isTaken)
         refuseMore(member);
     const bool isGone = report->record.status == status::kNoLongerAvailable;
@@ -346,15 +359,20 @@ bool Hub::subscribe(Member& member, const JSONPICL& message, Inquiry& inquiry) {
         if (!isWithinLimits || isTooLong(request)) // the latter is not found
             return;
         if (m_directory.watch(*member.peer, request.component, request.group, request.guid))
-            ++member.watched;
+            noteWatch(member, bytesOf(request));
         inquiry.subscribe(request);
     });
     return isWithinLimits;
 }
 
+void Hub::noteWatch(Member& member, std::size_t bytes) {
+    ++member.watched;
+    member.peer->charge(difference(0, bytes));
+}
+
 void Hub::askForAll(Member& member, bool subscribes, Questions::Clock::time_point now) {
     if (subscribes && m_directory.watchAll(*member.peer))
-        ++member.watched;
+        noteWatch(member, kBytesBeside);
     Question question(*member.peer, true);
     question.weight = kWeightOfAll;
     std::vector<Directory::Program*> programs;
@@ -382,6 +400,9 @@ void Hub::askForAll(Member& member, bool subscribes, Questions::Clock::time_poin
 }
 
 void Hub::enter(Member& member, Question question, Questions::Clock::time_point now) {
+    for (const Question::Item& item : question.items)
+        question.bytes += bytesOf(item.request);
+    member.peer->charge(difference(0, question.bytes));
     member.open += question.weight;
     if (member.open >= kMostOpen && !std::exchange(member.isHeld, true))
         member.peer->hold(true);
@@ -391,6 +412,7 @@ void Hub::enter(Member& member, Question question, Questions::Clock::time_point 
 void Hub::answer(const Question& question) {
     Member& asker = memberOf(*question.asker);
     asker.open -= question.weight;
+    asker.peer->charge(difference(question.bytes, 0));
     if (asker.open < kMostOpen / 2 && std::exchange(asker.isHeld, false))
         asker.peer->hold(false);
     if (question.isSilent)

@@ -75,6 +75,7 @@ private:
     void promote(const std::string& component);
     void takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer);
     void ask(Member& member, const JSONPICL& message, Questions::Clock::time_point now);
+    void noteWatch(Member& member, std::size_t bytes);
     void askForAll(Member& member, bool subscribes, Questions::Clock::time_point now);
     [[nodiscard]] bool subscribe(Member& member, const JSONPICL& message, Inquiry& inquiry);
     void enter(Member& member, Question question, Questions::Clock::time_point now);

@@ -41,6 +41,9 @@ public:
     /// long as what there is to tell.
     [[nodiscard]] std::size_t waitingForReader() const { return m_counted; }
 
+    /// Returns how many bytes of changes wait, of properties that have gone meanwhile too.
+    [[nodiscard]] std::size_t waitingChanges() const { return m_changesBytes; }
+
     /// Returns how many bytes wait in all.
     [[nodiscard]] std::size_t waiting() const { return m_bytes + m_changesBytes; }
 

@@ -41,6 +41,7 @@ struct Question {
     bool isForAll;          ///< Answered out of the directory.
     bool isSilent = false;  ///< Not answered at all.
     std::size_t weight = 0; ///< Of the work that it makes, in properties.
+    std::size_t bytes = 0;  ///< That it takes, roughly.
     std::vector<Item> items;
     std::vector<std::size_t> order; ///< Of the items in the answer, repeated ones repeatedly.
 };
