@@ -26,6 +26,13 @@ std::string checkPlace(const std::string& text) {
 
 CLI::Validator secondsCheck() { return {checkSeconds, "", "seconds"}; }
 
+CLI::Validator notEmptyCheck(const std::string& advice) {
+    const auto check = [advice](const std::string& text) {
+        return text.empty() ? "an empty text names nothing; " + advice : std::string();
+    };
+    return {check, "", "text"};
+}
+
 std::chrono::milliseconds millisecondsOf(double seconds) {
     return std::chrono::milliseconds(std::max<long long>(1, std::llround(seconds * 1000)));
 }

@@ -51,5 +51,8 @@ private:
 /// Returns a check of a number of seconds, more than 0 and at most a day.
 [[nodiscard]] CLI::Validator secondsCheck();
 
+/// Returns a check that refuses an empty text, which names nothing, and says @p advice.
+[[nodiscard]] CLI::Validator notEmptyCheck(const std::string& advice);
+
 /// Returns @p seconds as a time, at least 1 ms.
 [[nodiscard]] std::chrono::milliseconds millisecondsOf(double seconds);

@@ -33,7 +33,10 @@ std::vector<std::string> componentsThat(const std::map<std::string, std::string>
 } // namespace
 
 CLI::Option* addNames(CLI::App& command, std::vector<std::string>& names) {
-    return command.add_option("NAME", names, "A property, see below")->type_name("")->expected(1, -1);
+    return command.add_option("NAME", names, "A property, see below")
+        ->type_name("")
+        ->expected(1, -1)
+        ->check(notEmptyCheck(kSeeList));
 }
 
 void complain(std::string_view sentence, const std::vector<std::string>& choices) {

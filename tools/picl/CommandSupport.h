@@ -19,6 +19,9 @@ inline constexpr std::string_view kNamesHelp =
     "GUID, \"group:guid\" or \"component:group:guid\" as \"picl list --guids\" shows them.\n"
     "Exit status: 0 done; 1 not found, ambiguous, refused, no answer or no server; 2 bad arguments.";
 
+/// What to do where an empty text is to name what is there.
+inline constexpr const char* kSeeList = "\"picl list\" shows what is there";
+
 /// Adds to @p command the names of properties, which go to @p names.
 CLI::Option* addNames(CLI::App& command, std::vector<std::string>& names);
 

@@ -124,16 +124,19 @@ void addDumpCommand(CommandLine& line) {
                         [arguments](const CommonOptions& options) { return dump(options, *arguments); });
     command.add_option("PROGRAM", arguments->program, "The program, by name or GUID")
         ->type_name("")
-        ->required();
+        ->required()
+        ->check(notEmptyCheck(kSeeList));
     command.add_option("-o,--output", arguments->file, "Write to this file (default: the standard output)")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmptyCheck("- is the standard output"));
     CLI::Option* group =
         command
             .add_option("--group", arguments->groups,
                         "Instead of the groups whose names end in \"Preferences\" this one, by name or GUID; "
                         "may be repeated")
             ->type_name("NAME")
-            ->allow_extra_args(false);
+            ->allow_extra_args(false)
+            ->check(notEmptyCheck(kSeeList));
     command.add_flag("--all", arguments->all, "All groups")->excludes(group);
     command.footer("Triggers are left out. \"picl load\" reads the document.\n"
                    "Exit status: 0 done; 1 not found, no answer or no server; 2 bad arguments.");

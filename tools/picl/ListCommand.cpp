@@ -116,15 +116,19 @@ void addListCommand(CommandLine& line) {
     CLI::App& command =
         line.addCommand("list", "List properties and their values",
                         [arguments](const CommonOptions& options) { return list(options, *arguments); });
+    const CLI::Validator isSomething = notEmptyCheck("leave it out to list all");
     command
         .add_option("PATTERN", arguments->pattern,
                     "Only those with this in their names or GUIDs, in whatever case; with * ? [] a whole "
                     "name, group/name or program/group/name")
-        ->type_name("");
+        ->type_name("")
+        ->check(isSomething);
     command.add_option("--program", arguments->program, "Only those of this program, by name or GUID")
-        ->type_name("NAME");
+        ->type_name("NAME")
+        ->check(isSomething);
     command.add_option("--group", arguments->group, "Only those of this group, by name or GUID")
-        ->type_name("NAME");
+        ->type_name("NAME")
+        ->check(isSomething);
     command.add_flag("--guids", arguments->guids, "Show the GUIDs, too");
     line.addJsonOption(command, "Print a JSON array, an object for each property");
 }

@@ -132,7 +132,8 @@ void addLoadCommand(CommandLine& line) {
     command
         .add_option("FILE", arguments->file, "A document as \"picl dump\" writes it; - is the standard input")
         ->type_name("")
-        ->required();
+        ->required()
+        ->check(notEmptyCheck("- is the standard input"));
     command.add_flag("--dry-run", arguments->dryRun, "Only tell what would change");
     command.footer(
         "Sets what differs and tells what became of it. A file that is no such document sets nothing.\n"

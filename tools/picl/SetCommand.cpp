@@ -79,7 +79,10 @@ void addSetCommand(CommandLine& line) {
     CLI::App& command =
         line.addCommand("set", "Set a property, and see what becomes of it",
                         [arguments](const CommonOptions& options) { return set(options, *arguments); });
-    command.add_option("NAME", arguments->name, "The property, see below")->type_name("")->required();
+    command.add_option("NAME", arguments->name, "The property, see below")
+        ->type_name("")
+        ->required()
+        ->check(notEmptyCheck(kSeeList));
     command.add_option("VALUE", arguments->value, "Its value; behind -- one that begins with -")
         ->type_name("")
         ->required();
