@@ -316,6 +316,10 @@ TEST_F(Commands, ADumpHoldsNoTriggerAndALoadFiresNone) {
     EXPECT_NE(dump->out().find("a/b c"), std::string::npos);
     std::string text = dump->out();
     const std::string guid(vocabulary::properties::kInvertScreen.guid);
+    const std::string off = std::string(text).replace(text.find("\"False\""), 7, "\"off\"");
+    const auto word = start({"load", "-"}, off);
+    EXPECT_EQ(word->status(), 1);
+    EXPECT_EQ(word->err(), "picl: \"General/Invert Screen\" is true or false; \"off\" is not sent\n");
     text.replace(text.find(guid), guid.size(), vocabulary::properties::kStoreProperties.guid);
     const auto load = start({"load", "-"}, text);
     EXPECT_EQ(load->status(), 1);

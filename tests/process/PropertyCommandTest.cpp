@@ -73,8 +73,13 @@ TEST_F(PropertyCommandTest, WhatIsSetIsReadBackAndStored) {
               "Printer Status Display = größe \"x\"\\n\\\n");
     EXPECT_EQ(says({"get", "Printer Status Display"}), "größe \"x\"\n\\\n");
     EXPECT_EQ(says({"set", "Measurement Unit", "007"}), "Measurement Unit = 7\n");
-    EXPECT_EQ(says({"set", "Measurement Unit", "abc"}),
-              "picl: Measurement Unit: \"abc\" was refused; it is still \"7\"\n");
+    for (const std::string none : {"abc", "", "-1", "7 mm", "4294967296"}) {
+        EXPECT_EQ(says({"set", "Measurement Unit", "--", none}),
+                  "picl: \"Measurement Unit\" is a whole number from 0 to 4294967295; \"" + none +
+                      "\" is not sent\n");
+    }
+    EXPECT_EQ(says({"get", "Measurement Unit"}), "7\n");
+    EXPECT_EQ(says({"set", "Measurement Unit", "4294967295"}), "Measurement Unit = 4294967295\n");
     EXPECT_EQ(says({"set", "Hour Format 24", "true"}), "Hour Format 24 = True\n");
     EXPECT_TRUE(eventually([this] {
         return contents("store/AppPreferences.ini").find("Hour Format 24=True") != std::string::npos;

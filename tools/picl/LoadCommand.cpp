@@ -90,6 +90,9 @@ bool setAll(Snapshot& snapshot, const Properties& document, bool dryRun, Tally& 
             complain(shortName(wanted) + " is a trigger and is not fired; \"picl set\" does that");
         } else if (meanTheSame(typeOf(wanted.guid), wanted.value, before->value)) {
             ++tally.same;
+        } else if (!isValue(typeOf(wanted.guid), wanted.value)) {
+            ++tally.refused;
+            complain(sentenceForUnsent(typeOf(wanted.guid), shortName(wanted), wanted.value));
         } else if (dryRun) {
             ++tally.changed;
             tellChange(*before, wanted.value, false);

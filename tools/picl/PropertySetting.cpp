@@ -1,7 +1,5 @@
 #include "tools/picl/PropertySetting.h"
 
-#include "tools/picl/PropertyType.h"
-
 Setting judge(const PropertyGetResponse& before, std::string_view value, const PropertyGetResponse& after) {
     const PropertyType type = typeOf(after.guid);
     if (type == PropertyType::Trigger)
@@ -23,4 +21,9 @@ std::string sentenceFor(Setting setting, std::string_view name, std::string_view
           std::string_view(after.value), std::string_view("\"")})
         sentence += part;
     return sentence;
+}
+
+std::string sentenceForUnsent(PropertyType type, std::string_view name, std::string_view value) {
+    return '"' + std::string(name) + "\" is " + std::string(formOf(type)) + "; \"" + std::string(value) +
+           "\" is not sent";
 }

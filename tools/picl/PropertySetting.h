@@ -1,6 +1,7 @@
 #pragma once
 
 #include "picl/PropertyRecords.h"
+#include "tools/picl/PropertyType.h"
 
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ enum class Setting {
 
 /// Returns whether its owner did what was asked for.
 [[nodiscard]] bool isTaken(Setting setting);
+
+/// Returns a sentence about the property called @p name, to which @p value is not sent: it is none.
+[[nodiscard]] std::string sentenceForUnsent(PropertyType type, std::string_view name, std::string_view value);
 
 /// Returns a sentence about the property called @p name that did not take @p value.
 [[nodiscard]] std::string sentenceFor(Setting setting, std::string_view name, std::string_view value,

@@ -70,6 +70,12 @@ bool areSameNumber(std::string_view one, std::string_view other) {
     return value && value == number(other);
 }
 
+// In whatever case of its letters.
+bool isTruth(std::string_view text) {
+    const std::string lower = withoutCase(text);
+    return lower == "true" || lower == "false";
+}
+
 bool areSameTruth(std::string_view one, std::string_view other) {
     return isTruth(one) && isTruth(other) && parseBoolean(one) == parseBoolean(other);
 }
@@ -106,7 +112,14 @@ bool meanTheSame(PropertyType type, std::string_view one, std::string_view other
     return one == other || areSameTruth(one, other) || areSameNumber(one, other);
 }
 
-bool isTruth(std::string_view text) {
-    const std::string lower = withoutCase(text);
-    return lower == "true" || lower == "false";
+bool isValue(PropertyType type, std::string_view text) {
+    if (type == PropertyType::Number)
+        return number(text).has_value();
+    return (type != PropertyType::Truth && type != PropertyType::Trigger) || isTruth(text);
+}
+
+std::string_view formOf(PropertyType type) {
+    static constexpr std::array<std::string_view, 5> kForms{"", "a whole number from 0 to 4294967295",
+                                                            "true or false", "", "true or false"};
+    return kForms[static_cast<std::size_t>(type)];
 }

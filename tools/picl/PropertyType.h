@@ -16,5 +16,9 @@ enum class PropertyType { Unknown, Number, Truth, Text, Trigger };
 /// type is not known, both must read as truths or both as numbers, else each byte counts.
 [[nodiscard]] bool meanTheSame(PropertyType type, std::string_view one, std::string_view other);
 
-/// Returns whether @p text is "true" or "false", in whatever case of its letters.
-[[nodiscard]] bool isTruth(std::string_view text);
+/// Returns whether @p text reads as a value of this type. Of one that does not an owner makes what nobody
+/// meant: every word but "false" is a truth, "-1" the largest number. Where the type is not known all do.
+[[nodiscard]] bool isValue(PropertyType type, std::string_view text);
+
+/// Returns how the values of this type read, for a sentence; an empty text where there is nothing to tell.
+[[nodiscard]] std::string_view formOf(PropertyType type);

@@ -20,12 +20,8 @@ struct Arguments {
 
 /// Returns whether a value of this kind may be sent; complains if not.
 bool checkValue(PropertyType type, const Arguments& arguments) {
-    if (type != PropertyType::Truth && type != PropertyType::Trigger)
-        return true;
-    // Their owners take every other word, "off" and "0" too, for true.
-    if (!isTruth(arguments.value)) {
-        complain(inQuotes(arguments.name) + " is true or false; " + inQuotes(arguments.value) +
-                 " is not sent");
+    if (!isValue(type, arguments.value)) {
+        complain(sentenceForUnsent(type, arguments.name, arguments.value));
         return false;
     }
     if (type == PropertyType::Trigger && !parseBoolean(arguments.value)) {
