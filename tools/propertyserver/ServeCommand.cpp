@@ -3,6 +3,7 @@
 #include "platform/os/DeviceRoot.h"
 #include "property/PropertyVocabulary.h"
 #include "tools/propertyserver/PropertyServer.h"
+#include "tools/propertyserver/ServerLog.h"
 
 #include <CLI/CLI.hpp>
 #include <boost/asio/ip/address.hpp>
@@ -17,6 +18,7 @@
 #include <stdexcept>
 #include <string>
 #include <systemd/sd-daemon.h>
+#include <unistd.h>
 
 namespace {
 
@@ -100,7 +102,9 @@ PropertyServerOptions optionsFrom(const Arguments& arguments) {
     options.acConnected = arguments.acConnected.value_or(options.acConnected);
     options.dotsPerInch = arguments.dotsPerInch.value_or(options.dotsPerInch);
     if (!arguments.isQuiet)
-        options.log = [](std::string_view sentence) { std::cerr << "picl serve: " << sentence << '\n'; };
+        options.log = [log = std::make_shared<ServerLog>(STDERR_FILENO)](std::string_view sentence) {
+            log->write(sentence);
+        };
     return options;
 }
 

@@ -1,0 +1,29 @@
+#include "tools/propertyserver/ServerLog.h"
+
+#include <climits>
+#include <poll.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::string_view kName = "picl serve: ";
+constexpr std::size_t kLongestSentence = 1024;
+static_assert(kLongestSentence + 256 < PIPE_BUF, "a pipe that has room takes it at once and as a whole");
+
+// Also where the reader of a pipe has gone: to write there would end the process.
+bool hasRoom(int descriptor) {
+    pollfd place{.fd = descriptor, .events = POLLOUT, .revents = 0};
+    return ::poll(&place, 1, 0) == 1 && place.revents == POLLOUT;
+}
+
+} // namespace
+
+void ServerLog::write(std::string_view sentence) {
+    std::string text;
+    if (m_lost > 0)
+        text.append(kName) += "nobody read this; lines that are lost: " + std::to_string(m_lost) + '\n';
+    text.append(kName).append(sentence.substr(0, kLongestSentence)) += '\n';
+    const bool isWritten = hasRoom(m_descriptor) && ::write(m_descriptor, text.data(), text.size()) > 0;
+    m_lost = isWritten ? 0 : m_lost + 1;
+}
