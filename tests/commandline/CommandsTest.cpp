@@ -185,9 +185,12 @@ TEST_F(Commands, TellOnOneStreamWhatIsThereAndOnTheOtherWhatIsNot) {
 }
 
 TEST_F(Commands, RefuseArgumentsThatSayNothing) {
+    const std::string firmware = (root() / "firmware").string();
+    std::ofstream(firmware)
+        << R"({"Dots Per Inch": 203, "Battery AC Connected": true, "Dots Per Inch": 300})";
     const struct {
         std::vector<std::string> arguments;
-        const char* told;
+        std::string told;
     } kRows[] = {
         {{}, "subcommand is required"},
         {{"lst"}, "picl: there is no command \"lst\"; did you mean:\n  list\n"},
@@ -216,6 +219,7 @@ TEST_F(Commands, RefuseArgumentsThatSayNothing) {
         {{"serve", "--tcp-address", "localhost"}, "\"localhost\" is no IP address"},
         {{"serve", "--tcp-address", ""}, "is no IP address"},
         {{"serve", "--max-programs", "0"}, "1 to"},
+        {{"serve", "--firmware", firmware}, firmware + ": \"Dots Per Inch\" stands there twice; leave one"},
     };
     for (const auto& row : kRows) {
         const auto run = start(row.arguments);

@@ -15,6 +15,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <systemd/sd-daemon.h>
@@ -77,7 +78,12 @@ void readFirmwareFile(const std::string& path, PropertyServerOptions& options) {
     std::ifstream file(path);
     if (!file)
         throw std::runtime_error("cannot be read");
-    const json values = json::parse(file);
+    std::set<json> names;
+    const json values = json::parse(file, [&names](int depth, json::parse_event_t event, const json& name) {
+        if (event == json::parse_event_t::key && depth == 1 && !names.insert(name).second)
+            throw std::runtime_error(name.dump() + " stands there twice; leave one of them");
+        return true;
+    });
     if (!values.is_object())
         throw std::runtime_error("is no JSON object");
     for (const auto& [name, value] : values.items())
