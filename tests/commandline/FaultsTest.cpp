@@ -1,6 +1,7 @@
 #include "tests/commandline/CommandTest.h"
 
 #include "platform/os/DeviceRoot.h"
+#include "property/PropertyVocabulary.h"
 #include "tests/support/LoopbackPort.h"
 
 #include <algorithm>
@@ -77,6 +78,38 @@ TEST_F(Faults, AProgramThatDoesNotAnswerKeepsBackNothingOfOthers) {
     EXPECT_EQ(set->err(),
               "picl: the property server on " + device() +
                   " passed on no answer of the owner within 0.2 s; wait for longer with --timeout\n");
+}
+
+TEST_F(Faults, AProgramThatHangsKeepsBackNothingThatIsNamedByAllItsGuids) {
+    const std::string component(vocabulary::components::kFirmwareDriver.guid);
+    const std::string group(vocabulary::groups::kGeneral.guid);
+    const std::string guid(vocabulary::properties::kDotsPerInch.guid);
+    const std::string name = component + ':' + group + ':' + guid;
+    const std::string told = name + " = 300\n";
+    ScriptedServer server;
+    server.add({.group = group,
+                .groupString = "General",
+                .guid = guid,
+                .nameString = "Dots Per Inch",
+                .value = "300",
+                .status = std::string(status::kSuccessful),
+                .component = component,
+                .componentString = "Firmware Driver"});
+    server.let(&ScriptedServer::isSilentForAll, true);
+    for (const auto& [arguments, out] :
+         {std::pair<std::vector<std::string>, std::string>{{"get", name}, "300\n"},
+          {{"get", name, name}, told + told},
+          {{"set", name, "203"}, name + " = 203\n"},
+          {{"watch", name, "--for", "0.001"},
+           "             Firmware Driver/General/Dots Per Inch = 203\n"}}) {
+        const auto run = start(arguments);
+        EXPECT_EQ(run->status(), 0) << run->err();
+        EXPECT_EQ(run->out(), out);
+    }
+    server.let(&ScriptedServer::isSilentForAll, false);
+    const auto none = start({"get", component + ':' + group + ':' + component, name});
+    EXPECT_EQ(none->status(), 1);
+    EXPECT_EQ(none->out(), name + " = 203\n");
 }
 
 TEST_F(Faults, AnAnswerInManyFramesAndInPiecesIsOne) {

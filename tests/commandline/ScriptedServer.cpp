@@ -148,7 +148,7 @@ void ScriptedServer::handle(Connection& connection, const JSONPICL& message) {
                 property.value = onSet(property, request.value);
         }
     });
-    if (message.has(keys::kGetAll) || message.hasSubscribeAll())
+    if (!isSilentForAll && (message.has(keys::kGetAll) || message.hasSubscribeAll()))
         answerAll(connection);
     answer(connection, message);
     connection.isSubscribed =

@@ -60,6 +60,7 @@ public:
     std::function<std::string(const PropertyGetResponse& property, const std::string& value)> onSet =
         [](const PropertyGetResponse&, const std::string& value) { return value; };
     std::string silentProgram;         ///< It answers no question.
+    bool isSilentForAll = false;       ///< It answers no question for all.
     std::string saysInstead;           ///< These bytes to each question.
     bool endsInsteadOfAnswer = false;  ///< It hangs up on a question.
     std::size_t reportsOfFrame = 1000; ///< Longer answers come in several frames.

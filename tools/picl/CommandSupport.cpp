@@ -5,11 +5,15 @@
 #include <algorithm>
 #include <iostream>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace {
 
 const std::string kList = "picl list"; // which tells what is there
+
+// How long an owner is waited for before all are asked after all.
+constexpr std::chrono::milliseconds kHaste{500};
 
 /// Returns component GUID and name of each program.
 std::map<std::string, std::string> programsOf(const Properties& properties) {
@@ -61,11 +65,32 @@ std::unique_ptr<PropertySession> openSession(const CommonOptions& options) {
     return session;
 }
 
-std::optional<Snapshot> takeSnapshot(const CommonOptions& options) {
+std::optional<Properties> propertiesFor(PropertySession& session, const std::vector<std::string>& names) {
+    const std::set<std::string> distinct(names.begin(), names.end());
+    std::vector<PropertyGetRequest> requests;
+    for (const std::string& name : distinct) {
+        if (std::optional<PropertyGetRequest> request = requestByGuids(name))
+            requests.push_back(std::move(*request));
+    }
+    if (distinct.empty() || requests.size() < distinct.size())
+        return session.all();
+    auto answers = session.ask(requests, false, kHaste);
+    if (!answers)
+        return {};
+    Properties found;
+    for (auto& answer : *answers) {
+        if (!answer || answer->status != status::kSuccessful)
+            return session.all(); // to tell what is like the name, or that its program hangs
+        found.push_back(std::move(*answer));
+    }
+    return found;
+}
+
+std::optional<Snapshot> takeSnapshot(const CommonOptions& options, const std::vector<std::string>& names) {
     Snapshot snapshot{.session = openSession(options), .properties = {}};
     if (!snapshot.session)
         return {};
-    std::optional<Properties> properties = snapshot.session->all();
+    std::optional<Properties> properties = propertiesFor(*snapshot.session, names);
     if (!properties) {
         complain(snapshot.session->why());
         return {};

@@ -35,14 +35,20 @@ void complainOfMissing(const std::string& sentence, const std::vector<std::strin
 /// Returns a connection to the server; null, and complains, on failure.
 [[nodiscard]] std::unique_ptr<PropertySession> openSession(const CommonOptions& options);
 
-/// A connection, and all properties as they stood when it was made.
+/// Returns the properties among which are those that @p names mean: all, but where each is named by all its
+/// GUIDs those alone, so that no program is waited for that has nothing to do with them. Nothing on failure.
+[[nodiscard]] std::optional<Properties> propertiesFor(PropertySession& session,
+                                                      const std::vector<std::string>& names);
+
+/// A connection, and properties as they stood when it was made.
 struct Snapshot {
     std::unique_ptr<PropertySession> session;
     Properties properties;
 };
 
-/// Returns nothing, and complains, on failure.
-[[nodiscard]] std::optional<Snapshot> takeSnapshot(const CommonOptions& options);
+/// Returns propertiesFor() @p names, without names all; nothing, and complains, on failure.
+[[nodiscard]] std::optional<Snapshot> takeSnapshot(const CommonOptions& options,
+                                                   const std::vector<std::string>& names = {});
 
 /// Returns the one property that @p name means; null, and complains, where there is none or more than one.
 [[nodiscard]] const PropertyGetResponse* findProperty(const PropertyNames& names, const std::string& name);

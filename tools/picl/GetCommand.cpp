@@ -62,7 +62,7 @@ void printText(const std::vector<Named>& told, bool isOne) {
 }
 
 int get(const CommonOptions& options, const std::vector<std::string>& names) {
-    std::optional<Snapshot> snapshot = takeSnapshot(options);
+    std::optional<Snapshot> snapshot = takeSnapshot(options, names);
     if (!snapshot)
         return kFailed;
     const std::vector<Named> told = ask(*snapshot, names);

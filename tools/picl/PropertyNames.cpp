@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
-#include <optional>
 #include <utility>
 
 namespace {
@@ -50,6 +49,21 @@ std::optional<std::size_t> unlikeness(std::string_view candidate, std::string_vi
 }
 
 } // namespace
+
+std::optional<PropertyGetRequest> requestByGuids(std::string_view name) {
+    constexpr std::string_view kForm =
+        "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx:xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx:"
+        "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+    constexpr std::size_t size = 36;
+    const auto fits = [](char c, char form) {
+        return form == 'x' ? (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') : c == form;
+    };
+    if (!std::ranges::equal(name, kForm, fits))
+        return {};
+    return PropertyGetRequest{.component = std::string(name.substr(0, size)),
+                              .group = std::string(name.substr(size + 1, size)),
+                              .guid = std::string(name.substr(2 * (size + 1)))};
+}
 
 std::string fullName(const PropertyGetResponse& property) {
     return property.componentString + '/' + property.groupString + '/' + property.nameString;

@@ -2,6 +2,7 @@
 
 #include "tools/picl/PropertySession.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -37,6 +38,10 @@ private:
     Index m_exact;
     Index m_withoutCase;
 };
+
+/// Returns what asks for the property that @p name names by all its GUIDs; nothing where that is no such
+/// name.
+[[nodiscard]] std::optional<PropertyGetRequest> requestByGuids(std::string_view name);
 
 /// Returns "program/group/name" of @p property.
 [[nodiscard]] std::string fullName(const PropertyGetResponse& property);

@@ -115,8 +115,9 @@ bool PropertySession::awaitAnswerForAll(Clock::time_point deadline) {
 }
 
 std::optional<PropertySession::Answers> PropertySession::ask(const std::vector<PropertyGetRequest>& requests,
-                                                             bool subscribes) {
-    const Clock::time_point deadline = Clock::now() + m_patience;
+                                                             bool subscribes,
+                                                             std::chrono::milliseconds most) {
+    const Clock::time_point deadline = Clock::now() + std::min(m_patience, most);
     std::map<Key, std::vector<std::size_t>> asked; // who wants to know, by what they ask for
     for (std::size_t index = 0; index < requests.size(); ++index) {
         const PropertyGetRequest& request = requests[index];

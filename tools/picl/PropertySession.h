@@ -38,9 +38,11 @@ public:
     using Answers = std::vector<std::optional<PropertyGetResponse>>;
 
     /// Returns the report on each of @p requests, in their order, and none where its owner did not answer in
-    /// time; nothing on failure. Further reports follow if @p subscribes. Blocks for the answers.
-    [[nodiscard]] std::optional<Answers> ask(const std::vector<PropertyGetRequest>& requests,
-                                             bool subscribes = false);
+    /// time; nothing on failure. Further reports follow if @p subscribes. Blocks for the answers, no longer
+    /// than @p most.
+    [[nodiscard]] std::optional<Answers>
+    ask(const std::vector<PropertyGetRequest>& requests, bool subscribes = false,
+        std::chrono::milliseconds most = std::chrono::milliseconds::max());
 
     /// Sets a property to @p value. Returns what its owner then reports of it; nothing on failure, also where
     /// the owner does not answer in time. Blocks for the answer.

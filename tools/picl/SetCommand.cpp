@@ -53,7 +53,7 @@ int tell(const CommonOptions& options, const Arguments& arguments, const Propert
 }
 
 int set(const CommonOptions& options, const Arguments& arguments) {
-    const std::optional<Snapshot> snapshot = takeSnapshot(options);
+    const std::optional<Snapshot> snapshot = takeSnapshot(options, {arguments.name});
     if (!snapshot)
         return kFailed;
     const PropertyGetResponse* before = findProperty(PropertyNames(snapshot->properties), arguments.name);

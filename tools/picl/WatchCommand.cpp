@@ -25,7 +25,7 @@ void complainOf(const PropertySession& session) {
 
 /// Returns what is watched, as it stands now, in the order told; nothing, and complains, on failure.
 std::optional<Properties> subscribe(PropertySession& session, const std::vector<std::string>& names) {
-    std::optional<Properties> all = session.all(names.empty());
+    std::optional<Properties> all = names.empty() ? session.all(true) : propertiesFor(session, names);
     if (!all) {
         complainOf(session);
         return {};
