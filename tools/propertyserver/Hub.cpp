@@ -182,6 +182,10 @@ void Hub::leave(Peer& peer, std::string_view why) {
         m_directory.forget(peer);
     m_members.erase(place->second);
     m_places.erase(place);
+    if (!owned.empty()) {
+        for (Member& member : m_members)
+            member.sets.erase(&peer);
+    }
     for (const std::string& component : owned) {
         m_directory.orphan(component);
         m_questions.settleGone(component);
