@@ -193,7 +193,8 @@ void Connection::makeFrameInTurn() {
     m_isFlushing = true;
     m_handler.turns.request([self = shared_from_this()] {
         self->m_isFlushing = false;
-        static_cast<void>(self->m_outbox.next());
+        if (!self->m_hasEnded)
+            static_cast<void>(self->m_outbox.next());
         self->flush();
     });
 }
