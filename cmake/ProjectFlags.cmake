@@ -35,6 +35,6 @@ check_pie_supported()
 # fences around its handlers, and says so; they are for loops that several threads run, of which we have none.
 function(asio_loop target)
     if(UPGRADEUI_SANITIZERS MATCHES "thread")
-        target_compile_definitions(${target} PRIVATE BOOST_ASIO_DISABLE_FENCED_BLOCK)
+        target_compile_definitions(${target} PUBLIC BOOST_ASIO_DISABLE_FENCED_BLOCK)
     endif()
 endfunction()
