@@ -416,13 +416,16 @@ TEST_F(Server, TakesConnectionsOnDeviceAndTcpOnceThereAreDescriptorsAgain) {
     EXPECT_NE(Program(std::move(tcp)).asksFirmware().find("=300"), std::string::npos);
 }
 
-TEST_F(Server, TellsWhatIsSetOfTheFirmware) {
+TEST_F(Server, TellsWhatIsSetOfTheFirmwareAndTakesNoImpossibleResolution) {
     Program program;
     program.says("watch " + kDots);
     EXPECT_EQ(program.hears(), "tell " + kDots + "=300");
     server->setDotsPerInch(203);
     EXPECT_EQ(program.hears(), "tell " + kDots + "=203");
-    Program().says("set " + kDots + "=600");
+    const std::string set = "set " + kDots + '=';
+    Program other;
+    other.says(set + "0 " + kDots + "=10001 " + kDots + "=many");
+    other.says(set + "600");
     EXPECT_EQ(program.hears(), "tell " + kDots + "=600");
 }
 

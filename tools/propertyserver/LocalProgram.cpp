@@ -13,7 +13,8 @@ LocalProgram::LocalProgram(const VocabularyEntry& component, Say say)
     : m_say(std::move(say)),
       m_component(makeProperty<StringProperty>(vocabulary::groups::kComponents, component, component.name)) {}
 
-void LocalProgram::add(const std::shared_ptr<Property>& property) {
+void LocalProgram::add(const std::shared_ptr<Property>& property, Accepts accepts) {
+    m_accepts.emplace(property.get(), std::move(accepts));
     m_table.addProperty(property);
     property->addListener([this](const std::shared_ptr<Property>& which) { changed(which); });
     report(*property);
@@ -49,7 +50,8 @@ void LocalProgram::send(JSONPICL& message) {
 void LocalProgram::takeSets(const JSONPICL& message) {
     m_isTakingSets = true;
     message.forEachSetRequest([this](const PropertySetRequest& request) {
-        if (const std::shared_ptr<Property> property = m_table.findProperty(request.guid, request.group))
+        const std::shared_ptr<Property> property = m_table.findProperty(request.guid, request.group);
+        if (property && m_accepts.at(property.get())(request.value))
             applyText(*property, request.value);
     });
     m_isTakingSets = false;

@@ -5,6 +5,7 @@
 #include "tools/propertyserver/Peer.h"
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,8 +24,13 @@ public:
 
     LocalProgram(const VocabularyEntry& component, Say say);
 
-    /// Adds @p property and reports it. The program outlives its changes.
-    void add(const std::shared_ptr<Property>& property);
+    /// Returns whether a property may be set to this text.
+    using Accepts = std::function<bool(std::string_view text)>;
+
+    /// Adds @p property and reports it. What others set and @p accepts refuses changes nothing. The program
+    /// outlives the changes of the property.
+    void add(
+        const std::shared_ptr<Property>& property, Accepts accepts = [](std::string_view) { return true; });
 
     /// Does with @p message what a program does: takes sets, answers questions.
     void send(JSONPICL& message) override;
@@ -44,6 +50,7 @@ private:
     const Say m_say;
     const std::shared_ptr<Property> m_component;
     PropertyTable m_table;
+    std::map<const Property*, Accepts> m_accepts;
     std::vector<std::shared_ptr<Property>> m_changed; // by the message that is dealt with
     bool m_isTakingSets = false;
 };

@@ -7,6 +7,7 @@
 #include "property/BoolProperty.h"
 #include "property/MakeProperty.h"
 #include "property/UInt32Property.h"
+#include "property/ValueText.h"
 #include "tools/propertyserver/Connection.h"
 #include "tools/propertyserver/Hub.h"
 #include "tools/propertyserver/LocalProgram.h"
@@ -21,6 +22,7 @@
 #include <csignal>
 #include <optional>
 #include <set>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -43,6 +45,15 @@ constexpr std::size_t kMostWaiting = 128U << 20U;
 
 // Until the host may have a descriptor again.
 constexpr std::chrono::milliseconds kAcceptPause{200};
+
+bool isResolution(std::string_view text) {
+    try {
+        const std::uint32_t dots = parseUInt32(text);
+        return dots > 0 && dots <= PropertyServerOptions::kMostDotsPerInch;
+    } catch (const std::logic_error&) { // it is no number
+        return false;
+    }
+}
 
 } // namespace
 
@@ -118,7 +129,7 @@ PropertyServer::Loop::Loop(PropertyServerOptions options)
         makeProperty<UInt32Property>(groups::kGeneral, properties::kDotsPerInch, m_options.dotsPerInch);
     m_hub.join(m_firmware);
     m_firmware.add(acConnected);
-    m_firmware.add(dotsPerInch);
+    m_firmware.add(dotsPerInch, isResolution);
     context.poll(); // nobody speaks for the firmware before it does
     context.restart();
 }

@@ -9,12 +9,14 @@
 
 /// Where the server listens, and what it starts with.
 struct PropertyServerOptions {
+    static constexpr std::uint32_t kMostDotsPerInch = 10'000; ///< The least is 1.
+
     std::string devicePath;          ///< Of the Unix socket, a path of the host.
     std::string tcpAddress;          ///< IPv4 or IPv6, in numbers; empty for no TCP.
     std::uint16_t tcpPort = 0;       ///< 0: one that is free.
     std::size_t mostPrograms = 4096; ///< Connected at a time; those beyond are turned away.
     bool acConnected = true;
-    std::uint32_t dotsPerInch = 300;
+    std::uint32_t dotsPerInch = 300; ///< What else it is set to is not taken.
     std::function<void(std::string_view)> log = [](std::string_view /*sentence*/) {};
 };
 

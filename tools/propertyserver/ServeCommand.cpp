@@ -27,7 +27,7 @@ using nlohmann::json;
 
 constexpr std::uint16_t kTcpPort = 9102;
 constexpr std::string_view kLoopback = "127.0.0.1";
-constexpr std::uint32_t kMostDots = 10'000;
+constexpr std::uint32_t kMostDots = PropertyServerOptions::kMostDotsPerInch;
 constexpr std::size_t kMostPrograms = 1'000'000;
 
 const std::string kAcName(vocabulary::properties::kBatteryACConnected.name);
