@@ -110,7 +110,7 @@ void Connection::park(std::string frame) {
 
 void Connection::hold(bool holds) {
     m_holds = holds;
-    if (holds)
+    if (holds || m_parked.empty() || std::exchange(m_isResuming, true))
         return;
     asio::post(m_socket.get_executor(), [self = shared_from_this()] { // not inside of a call of the hub
         self->m_handler.turns.request([self] { self->takeParked(); });
@@ -118,6 +118,7 @@ void Connection::hold(bool holds) {
 }
 
 void Connection::takeParked() {
+    m_isResuming = false;
     while (!m_hasEnded && !m_holds && !m_parked.empty()) {
         FrameReader reader(kMostValues);
         reader.take(m_parked.front());

@@ -114,6 +114,7 @@ private:
     std::size_t m_charged = 0; // by the hub
     std::size_t m_load = 0;    // as it was told
     bool m_holds = false;
+    bool m_isResuming = false; // a turn to take what is parked is under way
     bool m_isDeaf = false;     // takes nothing more, but may have sent something before
     bool m_isReading = false;  // a wait for bytes, or for a turn to read them, is under way
     bool m_isFlushing = false; // a wait for room, or for a turn, or a flush, is under way
