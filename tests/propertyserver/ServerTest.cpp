@@ -364,6 +364,30 @@ TEST_F(Server, WhatAProgramSendsLastIsDoneThoughItGoesAtOnce) {
     }
 }
 
+TEST_F(Server, WhatIsHeldIsDoneThoughItsProgramHasGone) {
+    constexpr std::size_t many = 3 * Hub::kMostOpen;
+    Program owner;
+    owner.says("tell X/G:P=1");
+    EXPECT_NE(owner.asksFirmware(), "");
+    for (const char* const last : {"", "goodbye"}) {
+        {
+            Program program;
+            for (std::size_t i = 0; i < many; ++i)
+                program.says("set X/G:P=" + std::to_string(i));
+            if (*last != '\0')
+                program.says(last);
+        }
+        for (std::size_t i = 0; i < many;) {
+            const ShortHand heard = owner.hears();
+            if (heard.starts_with("get"))
+                owner.says("miss" + heard.substr(3));
+            else
+                ASSERT_EQ(heard, "set X/G:P=" + std::to_string(i++)) << last;
+        }
+        EXPECT_TRUE(owner.hears().starts_with("get")) << "behind the last of them";
+    }
+}
+
 TEST_F(Server, WhoIsHeldAsksNoMoreAndIsHeardAllTheSame) {
     constexpr std::size_t many = Hub::kMostOpen;
     Program owner;

@@ -30,7 +30,7 @@ void Connection::start() {
 }
 
 void Connection::awaitBytes() {
-    if (m_hasEnded || m_parkedBytes > kMostParked || m_isReading)
+    if (m_hasEnded || m_parkedBytes > kMostParked || m_isReading || !m_whyGone.empty())
         return;
     m_isReading = true;
     m_socket.async_read_some(
@@ -81,7 +81,9 @@ void Connection::readMore() {
 
 void Connection::endOf(const boost::system::error_code& failure) {
     const bool isUsual = failure == asio::error::eof || failure == asio::error::connection_reset;
-    end(isUsual ? std::string(kHasGone) : "has gone: " + failure.message());
+    m_whyGone = isUsual ? std::string(kHasGone) : "has gone: " + failure.message();
+    if (m_parked.empty()) // else what it has sent before is done first
+        end(m_whyGone);
 }
 
 void Connection::takeMessages() {
@@ -95,7 +97,8 @@ void Connection::takeMessages() {
         if (result != FrameReader::Result::Message)
             return;
         m_lastWhole = Clock::now();
-        if (mayPark && (message.asks() || message.has(keys::kSetRequests)))
+        const bool goes = message.has(keys::kDisconnect);
+        if (mayPark && (goes || message.asks() || message.has(keys::kSetRequests)))
             park(std::move(frame));
         else
             m_handler.take(*this, message);
@@ -129,6 +132,8 @@ void Connection::takeParked() {
         if (reader.next(message) == FrameReader::Result::Message) // as it was before
             m_handler.take(*this, message);
     }
+    if (m_parked.empty() && !m_whyGone.empty())
+        end(m_whyGone);
     proceed();
 }
 

@@ -111,6 +111,7 @@ private:
     Clock::time_point m_lastWhole;    // when there was no part of a frame left
     std::deque<std::string> m_parked; // frames that came while the program was held
     std::size_t m_parkedBytes = 0;
+    std::string m_whyGone;     // absent as long as the program may send more
     std::size_t m_charged = 0; // by the hub
     std::size_t m_load = 0;    // as it was told
     bool m_holds = false;
