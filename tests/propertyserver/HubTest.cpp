@@ -449,6 +449,31 @@ TEST(HubLimits, WhatIsKeptForAProgramIsKnown) {
     }
 }
 
+TEST(HubLimits, NobodyHasAMarkAnsweredBeforeItsTime) {
+    ScriptedHub hub;
+    hub.say("A", "tell X/G:P=1");
+    hub.say("B", "get X/G:");
+    const PropertyGetRequest mark = hub.program("A").marks.front();
+    constexpr std::size_t digits = 8; // at its end, that count
+    const std::string begin = mark.guid.substr(0, mark.guid.size() - digits);
+    const std::size_t number = std::stoul(mark.guid.substr(begin.size()), nullptr, 16);
+    JSONPICL question;
+    for (std::size_t next = number + 1; next < number + 10; ++next) {
+        char end[2 * digits + 1];
+        std::snprintf(end, sizeof end, "%0*zX", static_cast<int>(digits), next);
+        question.addGetRequest({mark.component, mark.group, begin + end});
+    }
+    hub.say("C", question);
+    hub.play("C leaves");
+    hub.say("D", "get X/G:");
+    for (int i = 0; i < 10; ++i) // to B and to C
+        hub.say("A", "miss X/mark");
+    EXPECT_EQ(hub.hears("D"), "");
+    hub.say("A", "tell X/G:P=2");
+    hub.say("A", "miss X/mark");
+    EXPECT_EQ(hub.hears("D"), "has the answer tell X/G:P=2\n");
+}
+
 TEST(HubLimits, TheLogHoldsTheBeginningOfALongName) {
     ScriptedHub hub;
     JSONPICL message;

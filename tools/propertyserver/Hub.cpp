@@ -3,6 +3,7 @@
 #include "property/PropertyKey.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -452,11 +453,12 @@ std::vector<SharedReport> Hub::everythingBut(const Peer& asker) {
     return reports;
 }
 
+// Nobody can ask for the next one, and so have it answered before its time.
 PropertyGetRequest Hub::nextMark(std::string_view component) {
     char guid[kNoGroup.size() + 1];
+    const std::uint64_t mark = m_chance();
     static_cast<void>(std::snprintf(guid, sizeof guid, "00000000-0000-0000-%04llX-%012llX",
-                                    static_cast<unsigned long long>(m_marks >> 48U),
-                                    static_cast<unsigned long long>(m_marks & 0xFFFF'FFFF'FFFFU)));
-    ++m_marks;
+                                    static_cast<unsigned long long>(mark >> 48U),
+                                    static_cast<unsigned long long>(mark & 0xFFFF'FFFF'FFFFU)));
     return {.component = std::string(component), .group = std::string(kNoGroup), .guid = guid};
 }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <list>
 #include <map>
+#include <random>
 #include <set>
 #include <string>
 #include <string_view>
@@ -88,5 +89,5 @@ private:
     std::map<const Peer*, std::list<Member>::iterator> m_places;
     Directory m_directory;
     Questions m_questions;
-    std::uint64_t m_marks = 1;
+    std::mt19937_64 m_chance{std::random_device()()}; // of which marks are made
 };
