@@ -416,7 +416,7 @@ TEST(HubLimits, WhoWantsMoreThanThereMayBeGoesOrIsNotHeard) {
                                         R"("a program" has come)"};
     EXPECT_EQ(hub.log, told);
     hub.say("A", "watch-all");
-    const std::string all = hub.play("time passes");
+    const std::string all = hub.play("time passes\nturns");
     EXPECT_EQ(count(all, " P/G:"), Directory::kMostProperties);
     EXPECT_EQ(count(all, " P/G:1=2"), 1U);
     EXPECT_EQ(count(all, "/G:Q="), Hub::kMostPrograms);
@@ -447,6 +447,43 @@ TEST(HubLimits, WhatIsKeptForAProgramIsKnown) {
         hub.play(isDone);
         EXPECT_EQ(hub.program("B").charged, 0) << name;
     }
+}
+
+TEST(HubLimits, WhatIsLongHasItsTurn) {
+    constexpr std::size_t many = Hub::kManyReports + 1;
+    const std::string tell = "tell" + numbered(" X/G:", "=1", many);
+    ScriptedHub hub;
+    hub.say("A", tell);
+    hub.say("B", "get-all");
+    hub.say("C", "get-all");
+    hub.say("D", "get X/G:");
+    hub.say("A", tell);
+    for (int i = 0; i < 3; ++i)
+        hub.say("A", "miss X/mark");
+    hub.play("C leaves");
+    EXPECT_TRUE(hub.program("B").reports.empty());
+    EXPECT_TRUE(hub.program("D").reports.empty());
+    hub.play("B: get NOBODY/G:P\nturns");
+    EXPECT_EQ(hub.program("B").reports.size(), many + 1);
+    EXPECT_EQ(hub.program("D").reports.size(), many);
+
+    const std::string twice = "    D: hears lose X/G:1=1\n    D: hears tell X/G:1=2\n";
+    hub.play("D: watch X/G:1\nA: tell X/G:1=1\n");
+    EXPECT_EQ(hub.play("A leaves\nB: get X/G:1\n"),
+              "A leaves\nB: get X/G:1\n    B: has the answer miss X/G:1\n");
+    const std::string heir = hub.play("E: tell X/G:1=2\n");
+    EXPECT_EQ(heir.substr(heir.find("    D")).substr(0, twice.size()), twice);
+    EXPECT_EQ(hub.play("turns"), "turns\n") << "it is the heir's now";
+
+    hub.say("E", tell);
+    hub.play("E leaves");
+    EXPECT_EQ(hub.play("turns"), "turns\n    D: hears lose X/G:1=1\n");
+    hub.say("F", tell);
+    hub.play("F leaves\nD leaves\nturns");
+    hub.say("F", "tell X/G:1=3");
+    hub.play("B: get-all\nF: all-there-is tell X/G:1=3\n");
+    EXPECT_EQ(hub.play("F: miss X/mark"),
+              "F: miss X/mark\n    B: has the answer all-there-is tell X/G:1=3\n");
 }
 
 TEST(HubLimits, NobodyHasAMarkAnsweredBeforeItsTime) {

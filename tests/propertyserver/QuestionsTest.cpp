@@ -19,8 +19,8 @@ struct Crowd {
         last.clear();
         for (const Question::Item& item : question.items) {
             last += item.report ? item.report->record.value : "-";
-            for (const auto& [key, report] : item.group)
-                last += '(' + key + ' ' + report->record.value + ')';
+            for (const SharedReport& report : item.group)
+                last.append("(").append(report->key()).append(" ").append(report->record.value).append(")");
         }
     }};
 

@@ -77,6 +77,9 @@ void ScriptedHub::playLine(const std::string& line) {
     const std::string name = line.substr(0, 1);
     if (line == "time passes")
         m_hub.expire(m_now += Questions::kPatience);
+    else if (line == "turns")
+        for (; !later.empty(); later.pop_front())
+            later.front()();
     else if (line.ends_with(" comes"))
         program(name);
     else if (line.ends_with(" leaves"))

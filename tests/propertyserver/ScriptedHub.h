@@ -36,6 +36,7 @@ private:
 ///     A comes              as it does with the first word it says
 ///     A leaves
 ///     time passes          as much as an answer is waited for
+///     turns                long work has its turn, each of it
 class ScriptedHub {
 public:
     /// Plays what is not indented in @p script. Returns all of it with what was heard.
@@ -52,12 +53,14 @@ public:
     ScriptedProgram& program(const std::string& name);
 
     std::vector<std::string> log;
+    std::deque<Hub::Work> later; ///< Long work, which "turns" does.
 
 private:
     void playLine(const std::string& line);
     [[nodiscard]] std::string heardByAll();
 
-    Hub m_hub{[this](std::string_view sentence) { log.emplace_back(sentence); }};
+    Hub m_hub{[this](std::string_view sentence) { log.emplace_back(sentence); },
+              [this](Hub::Work work) { later.push_back(std::move(work)); }};
     std::map<std::string, std::unique_ptr<ScriptedProgram>> m_programs;
     Questions::Clock::time_point m_now;
 };

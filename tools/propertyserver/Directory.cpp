@@ -87,14 +87,24 @@ void Directory::deliver(const Program& program, const SharedReport& report) cons
         tell(group->second.watchers, report);
 }
 
+std::size_t Directory::release(std::string_view component) {
+    Program& program = *find(component);
+    program.owner = nullptr;
+    program.isSubscribed = false;
+    return program.known;
+}
+
 void Directory::orphan(std::string_view component) {
     const auto found = m_programs.find(component);
+    if (found == m_programs.end()) // nobody watched it any more
+        return;
     Program& program = found->second;
     program.owner = nullptr;
     program.isSubscribed = false;
     program.known = program.bytes = 0;
+    const bool isHeard = isWatched(program);
     for (auto& [key, property] : program.properties) {
-        if (const SharedReport last = std::exchange(property.last, nullptr)) {
+        if (const SharedReport last = std::exchange(property.last, nullptr); last && isHeard) {
             auto gone = std::make_shared<Report>(*last);
             gone->record.status = status::kNoLongerAvailable;
             deliver(program, gone);

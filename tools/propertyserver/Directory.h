@@ -61,6 +61,10 @@ public:
     /// Tells the watchers of @p report.
     void deliver(const Program& program, const SharedReport& report) const;
 
+    /// Takes @p component from its owner. Returns how many properties it has; orphan() is to follow before
+    /// somebody else claims it.
+    std::size_t release(std::string_view component);
+
     /// Tells the watchers that the properties of @p component have gone, and that they have no owner now.
     void orphan(std::string_view component);
 

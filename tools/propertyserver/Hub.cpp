@@ -168,7 +168,10 @@ private:
     std::map<Directory::Program*, Part> m_parts;
 };
 
-Hub::Hub(Log log) : m_log(std::move(log)), m_questions([this](Question& question) { answer(question); }) {}
+Hub::Hub(Log log, Later later)
+    : m_log(std::move(log)),
+      m_later(std::move(later)),
+      m_questions([this](Question& question) { answer(question); }) {}
 
 void Hub::join(Peer& peer) { m_places[&peer] = m_members.insert(m_members.end(), Member(peer)); }
 
@@ -179,6 +182,7 @@ void Hub::leave(Peer& peer, std::string_view why) {
         m_log((name.empty() ? "a program" : name) + ' ' + std::string(why));
     const auto owned = std::move(place->second->owned);
     m_questions.forget(peer);
+    std::erase_if(m_answers, [&peer](const Question& question) { return question.asker == &peer; });
     if (place->second->watched > 0)
         m_directory.forget(peer);
     m_members.erase(place->second);
@@ -187,11 +191,32 @@ void Hub::leave(Peer& peer, std::string_view why) {
         for (Member& member : m_members)
             member.sets.erase(&peer);
     }
-    for (const std::string& component : owned) {
-        m_directory.orphan(component);
-        m_questions.settleGone(component);
-        promote(component);
+    for (const std::string& component : owned)
+        release(component);
+}
+
+// To take leave of thousands of properties is long. It is done before somebody else may claim them.
+void Hub::release(const std::string& component) {
+    if (m_directory.release(component) <= kManyReports) {
+        finishRelease(component);
+        return;
     }
+    m_released.push_back(component);
+    m_later([this] { releaseNext(); });
+}
+
+void Hub::releaseNext() {
+    if (m_released.empty())
+        return;
+    const std::string component = std::move(m_released.front());
+    m_released.pop_front();
+    finishRelease(component);
+}
+
+void Hub::finishRelease(const std::string& component) {
+    m_directory.orphan(component);
+    m_questions.settleGone(component);
+    promote(component);
 }
 
 // Those who reported the component while it had another owner are asked to do so again: the first who does
@@ -312,6 +337,8 @@ Directory::Program* Hub::programOf(Member& member, const PropertyGetResponse& re
 }
 
 Directory::Program* Hub::claim(Member& member, const PropertyGetResponse& report) {
+    if (std::erase(m_released, report.component) > 0)
+        finishRelease(report.component);
     Directory::Program* program = m_directory.claim(*member.peer, report.component);
     const std::string name = quoted(report.componentString);
     if (program == nullptr) {
@@ -414,7 +441,34 @@ void Hub::enter(Member& member, Question question, Questions::Clock::time_point 
     m_questions.add(std::move(question), now);
 }
 
-void Hub::answer(const Question& question) {
+void Hub::answer(Question& question) {
+    if (reportsIn(question) <= kManyReports) {
+        finishAnswer(question);
+        return;
+    }
+    m_answers.push_back(std::move(question));
+    m_later([this] { answerNext(); });
+}
+
+void Hub::answerNext() {
+    if (m_answers.empty())
+        return;
+    const Question question = std::move(m_answers.front());
+    m_answers.pop_front();
+    finishAnswer(question);
+}
+
+std::size_t Hub::reportsIn(const Question& question) {
+    std::size_t count = 0;
+    for (const Question::Item& item : question.items)
+        count += item.group.size();
+    if (question.isForAll)
+        m_directory.forEachConnected(
+            [&](const std::string&, const Directory::Program& program) { count += program.known; });
+    return count;
+}
+
+void Hub::finishAnswer(const Question& question) {
     Member& asker = memberOf(*question.asker);
     asker.open -= question.weight;
     asker.peer->charge(difference(question.bytes, 0));
@@ -429,8 +483,7 @@ void Hub::answer(const Question& question) {
         const Question::Item& item = question.items[i];
         if (item.report)
             reports.push_back(item.report);
-        for (const auto& [key, report] : item.group)
-            reports.push_back(report);
+        reports.insert(reports.end(), item.group.begin(), item.group.end());
     }
     const bool isComplete = std::all_of(question.items.begin(), question.items.end(), [](const auto& item) {
         return item.report || item.kind == Kind::Group;

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <list>
 #include <map>
@@ -30,10 +31,15 @@ public:
     static constexpr std::size_t kMostWatched = 4096;   ///< Properties and groups.
     static constexpr std::size_t kMostPrograms = 16;    ///< That it speaks for, or would like to.
 
-    using Log = std::function<void(std::string_view)>;
+    static constexpr std::size_t kManyReports = 256; ///< What is to do with more takes its turn.
 
-    /// @p log takes sentences about what a person should know.
-    explicit Hub(Log log);
+    using Log = std::function<void(std::string_view)>;
+    using Work = std::function<void()>;
+    using Later = std::function<void(Work)>;
+
+    /// @p log takes sentences about what a person should know. @p later does work in turn with other long
+    /// work, or at once.
+    Hub(Log log, Later later);
 
     void join(Peer& peer);
 
@@ -80,14 +86,23 @@ private:
     void askForAll(Member& member, bool subscribes, Questions::Clock::time_point now);
     [[nodiscard]] bool subscribe(Member& member, const JSONPICL& message, Inquiry& inquiry);
     void enter(Member& member, Question question, Questions::Clock::time_point now);
-    void answer(const Question& question);
+    void release(const std::string& component);
+    void finishRelease(const std::string& component);
+    void releaseNext();
+    void answer(Question& question);
+    void finishAnswer(const Question& question);
+    void answerNext();
+    [[nodiscard]] std::size_t reportsIn(const Question& question);
     [[nodiscard]] std::vector<SharedReport> everythingBut(const Peer& asker);
     [[nodiscard]] PropertyGetRequest nextMark(std::string_view component);
 
     const Log m_log;
+    const Later m_later;
     std::list<Member> m_members; // in the order of their coming
     std::map<const Peer*, std::list<Member>::iterator> m_places;
     Directory m_directory;
     Questions m_questions;
+    std::deque<Question> m_answers;                   // that are long, and have their turn to come
+    std::deque<std::string> m_released;               // components that have gone with much, likewise
     std::mt19937_64 m_chance{std::random_device()()}; // of which marks are made
 };

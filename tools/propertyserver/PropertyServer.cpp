@@ -114,10 +114,12 @@ PropertyServer::Loop::Loop(PropertyServerOptions options)
                 [this] { tick(); },
                 [this](Connection& connection, std::string_view why) { drop(connection, why); },
                 [this](std::size_t from, std::size_t to) { weigh(from, to); }, m_turns},
-      m_hub([this](std::string_view sentence) {
-          if (m_isListening) // the firmware is there before anybody else
-              m_options.log(sentence);
-      }),
+      m_hub(
+          [this](std::string_view sentence) {
+              if (m_isListening) // the firmware is there before anybody else
+                  m_options.log(sentence);
+          },
+          [this](Hub::Work work) { m_turns.request(std::move(work)); }),
       m_firmware(vocabulary::components::kFirmwareDriver, [this](std::string frame) {
           asio::post(context, [this, said = std::move(frame)] { takeLocal(said); });
       }) {

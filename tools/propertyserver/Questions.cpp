@@ -163,7 +163,7 @@ void Questions::leaveGroup(Question::Item& item, Ref ref) {
     const auto found = m_groups.find(item.id);
     Group& group = found->second;
     for (auto told = group.told.upper_bound(ref.question); told != group.told.end(); ++told)
-        item.group.emplace(told->second->key(), told->second);
+        item.group.push_back(told->second);
     group.waiting.erase(ref);
     if (group.waiting.empty())
         m_groups.erase(found);

@@ -30,9 +30,9 @@ struct Question {
 
         Kind kind;
         PropertyGetRequest request;
-        std::string id;                            ///< Of the property or the group.
-        SharedReport report;                       ///< On the property, as soon as there is one.
-        std::map<std::string, SharedReport> group; ///< On the properties of the group, by full key.
+        std::string id;                  ///< Of the property or the group.
+        SharedReport report;             ///< On the property, as soon as there is one.
+        std::vector<SharedReport> group; ///< On the properties of the group, in the order of their coming.
     };
 
     Question(Peer& theAsker, bool forAll) : asker(&theAsker), isForAll(forAll) {}
