@@ -338,6 +338,21 @@ TEST_F(Server, WhatSomebodyElseTellsIsNoReasonToLoseWhoAsks) {
     EXPECT_EQ(heard.find(Program::kEnd), std::string::npos);
 }
 
+TEST_F(Server, WhatOthersTellIsNoReasonToLoseWhoAsksWhereMemoryRunsOut) {
+    const std::string value(1U << 20U, 'v');
+    std::vector<Program> tellers(2);
+    for (std::size_t i = 0; i < tellers.size(); ++i) {
+        for (int j = 0; j < 36; ++j) // with the answer more than the server holds
+            tellers[i].says("tell X" + std::to_string(i) + std::to_string(j % 3) + "/G:" + std::to_string(j) +
+                            '=' + value);
+        EXPECT_NE(tellers[i].asksFirmware(), "");
+    }
+    Program asking;
+    asking.says("get-all");
+    EXPECT_NE(asking.hearsUpTo("X12/G:35=").find("X12/G:35="), std::string::npos);
+    EXPECT_NE(asking.asksFirmware().find("=300"), std::string::npos);
+}
+
 TEST_F(Server, WhatManySetIsNoReasonToLoseTheOwner) {
     const std::string begin = "set X/G:P=";
     const std::string value(Connection::kMostWaiting / 9, 'v');

@@ -1,5 +1,6 @@
 #include "tools/propertyserver/Connection.h"
 
+#include <algorithm>
 #include <array>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/post.hpp>
@@ -221,6 +222,12 @@ void Connection::weigh() {
     const std::size_t load =
         m_isClosing ? 0 : m_reader.waiting() + m_parkedBytes + m_outbox.waiting() + m_charged;
     m_handler.weigh(std::exchange(m_load, load), load);
+}
+
+std::size_t Connection::fault() const {
+    constexpr std::size_t part = 16; // that counts, where nobody is at fault for more
+    const std::size_t told = m_outbox.waiting() - m_outbox.waitingForReader();
+    return m_isClosing ? 0 : m_load - std::min(m_load, told) + told / part;
 }
 
 void Connection::awaitRoom() {

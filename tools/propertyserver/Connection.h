@@ -83,6 +83,10 @@ public:
     /// Returns how many bytes wait here for the program, or for the server, with what the hub keeps for it.
     [[nodiscard]] std::size_t load() const { return m_load; }
 
+    /// Returns how much of the load it has to answer for: hardly for what others tell, and it has yet to
+    /// read.
+    [[nodiscard]] std::size_t fault() const;
+
     /// Says goodbye, as far as the program takes it at once, and closes.
     void close();
 

@@ -40,7 +40,7 @@ constexpr std::chrono::milliseconds kTick{250};
 // How long a message is looked for before the server sleeps.
 constexpr std::chrono::microseconds kLookOut{20};
 
-// In all connections together; then who has the most has to go.
+// In all connections together; then who is at fault for the most has to go.
 constexpr std::size_t kMostWaiting = 128U << 20U;
 
 // Until the host may have a descriptor again.
@@ -249,7 +249,7 @@ void PropertyServer::Loop::makeRoom() {
     m_isMakingRoom = false;
     const auto heaviest =
         std::max_element(m_connections.begin(), m_connections.end(),
-                         [](const auto& one, const auto& other) { return one->load() < other->load(); });
+                         [](const auto& one, const auto& other) { return one->fault() < other->fault(); });
     if (m_waiting > kMostWaiting && heaviest != m_connections.end())
         (*heaviest)->end("takes more memory than any other, and there is no more");
 }
