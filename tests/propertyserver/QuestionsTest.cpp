@@ -98,4 +98,41 @@ TEST(Questions, ManyThatWaitForOnePropertyDoNotWaitForEachOther) {
     }
 }
 
+TEST(Questions, TheOldestEndWhereMuchIsToldMeanwhile) {
+    const Questions::Clock::time_point start{};
+    constexpr std::size_t many = 100;
+    const std::string value(1U << 20U, 'v');
+    std::vector<Question::Item> each;
+    for (std::size_t i = 0; i <= many; ++i) // the last one is never told
+        each.emplace_back(Kind::Property,
+                          PropertyGetRequest{.component = "X", .group = "G", .guid = std::to_string(i)});
+    const PropertyGetRequest never{.component = "X", .group = "G", .guid = "never"};
+    const std::vector<Question::Item> group{
+        {Kind::Group, PropertyGetRequest{.component = "X", .group = "G", .guid = ""}}, {Kind::Mark, never}};
+    for (const auto& items : {each, group}) {
+        Crowd crowd;
+        const auto ask = [&] {
+            Question question(crowd.asker, false);
+            question.items = items;
+            crowd.questions.add(std::move(question), start);
+        };
+        const auto tell = [&](std::size_t properties) {
+            for (std::size_t i = 0; i < properties; ++i)
+                crowd.questions.settle(reportOn("X", std::to_string(i), value));
+        };
+        for (std::size_t round = 1; round <= 3; ++round) {
+            ask();
+            tell(many);
+            EXPECT_EQ(crowd.answers, round);
+            EXPECT_TRUE(crowd.questions.isEmpty());
+        }
+        for (std::size_t round = 0; round < 20; ++round) { // again and again the same is no more
+            ask();
+            tell(10);
+            EXPECT_EQ(crowd.answers, 3 + round);
+            crowd.questions.expire(start + Questions::kPatience);
+        }
+    }
+}
+
 } // namespace

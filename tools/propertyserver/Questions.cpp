@@ -5,6 +5,12 @@
 
 #include <utility>
 
+namespace {
+
+std::size_t bytesOf(const SharedReport& report) { return report ? report->bytes() : 0; }
+
+} // namespace
+
 SharedReport makeNotFound(const PropertyGetRequest& request) {
     auto report = std::make_shared<Report>(PropertyGetResponse{});
     report->id = idOf(request.component, request.group, request.guid);
@@ -14,6 +20,7 @@ SharedReport makeNotFound(const PropertyGetRequest& request) {
 
 void Questions::Group::tell(Number number, const SharedReport& report) {
     forget(report->key());
+    bytes += bytesOf(report);
     told.emplace_hint(told.end(), number, report);
     byKey.emplace(report->key(), number);
 }
@@ -23,6 +30,7 @@ void Questions::Group::forget(std::string_view key) {
     if (found == byKey.end())
         return;
     const auto place = told.find(found->second);
+    bytes -= bytesOf(place->second);
     byKey.erase(found);
     told.erase(place);
 }
@@ -62,8 +70,13 @@ void Questions::enter(Waiting& waiting, Ref ref) {
 }
 
 bool Questions::settle(const SharedReport& report) {
-    if (m_questions.empty())
-        return false;
+    const bool isAnswer = !m_questions.empty() && hand(report);
+    while (m_bytes > kMostBytes)
+        finish(m_questions.begin());
+    return isAnswer;
+}
+
+bool Questions::hand(const SharedReport& report) {
     ++m_count;
     if (report->record.status == status::kNoLongerAvailable) {
         recall(report);
@@ -75,19 +88,24 @@ bool Questions::settle(const SharedReport& report) {
     if (found == m_properties.end())
         return false;
     Property& property = found->second;
-    property.last = report;
+    keep(property.last, report);
     property.told = m_count;
-    if (property.open.empty())
-        return false;
-    give(*property.open.begin(), report);
-    return true;
+    const bool isAnswer = !property.open.empty();
+    if (isAnswer)
+        give(*property.open.begin(), report);
+    return isAnswer;
+}
+
+void Questions::keep(SharedReport& place, SharedReport report) {
+    m_bytes = m_bytes - bytesOf(place) + bytesOf(report);
+    place = std::move(report);
 }
 
 void Questions::give(Ref ref, SharedReport report) {
     const auto place = m_questions.find(ref.question);
     Waiting& waiting = place->second;
     Question::Item& item = waiting.question.items[ref.item];
-    item.report = std::move(report);
+    keep(item.report, std::move(report));
     waiting.told[ref.item] = m_count;
     --waiting.open;
     close(item, ref);
@@ -108,19 +126,25 @@ void Questions::collect(const SharedReport& report) {
     if (report->record.status == status::kNotFound)
         return;
     const auto found = m_groups.find(idOf(report->component(), splitKey(report->key()).groupGuid));
-    if (found != m_groups.end())
-        found->second.tell(m_count, report);
+    if (found == m_groups.end())
+        return;
+    m_bytes -= found->second.bytes;
+    found->second.tell(m_count, report);
+    m_bytes += found->second.bytes;
 }
 
 // What was said of the property before holds no more; whoever has heard nothing yet will be answered.
 void Questions::recall(const SharedReport& gone) {
     if (const auto found = m_properties.find(gone->id); found != m_properties.end()) {
-        found->second.last = nullptr;
+        keep(found->second.last, nullptr);
         found->second.told = m_count;
     }
     const auto group = m_groups.find(idOf(gone->component(), splitKey(gone->key()).groupGuid));
-    if (group != m_groups.end())
-        group->second.forget(gone->key());
+    if (group == m_groups.end())
+        return;
+    m_bytes -= group->second.bytes;
+    group->second.forget(gone->key());
+    m_bytes += group->second.bytes;
 }
 
 void Questions::settleGone(std::string_view component) {
@@ -151,12 +175,15 @@ void Questions::leaveProperty(Waiting& waiting, Ref ref) {
     Question::Item& item = waiting.question.items[ref.item];
     const auto found = m_properties.find(item.id);
     Property& property = found->second;
+    m_bytes -= bytesOf(item.report);
     if (!item.report)
         close(item, ref);
     else if (waiting.told[ref.item] < property.told)
         item.report = property.last ? property.last : makeNotFound(item.request);
-    if (--property.waiting == 0)
-        m_properties.erase(found);
+    if (--property.waiting > 0)
+        return;
+    m_bytes -= bytesOf(property.last);
+    m_properties.erase(found);
 }
 
 void Questions::leaveGroup(Question::Item& item, Ref ref) {
@@ -165,10 +192,13 @@ void Questions::leaveGroup(Question::Item& item, Ref ref) {
     for (auto told = group.told.upper_bound(ref.question); told != group.told.end(); ++told)
         item.group.push_back(told->second);
     group.waiting.erase(ref);
-    if (group.waiting.empty())
+    m_bytes -= group.bytes;
+    if (group.waiting.empty()) {
         m_groups.erase(found);
-    else
-        group.forgetBefore(group.waiting.begin()->question);
+        return;
+    }
+    group.forgetBefore(group.waiting.begin()->question);
+    m_bytes += group.bytes;
 }
 
 void Questions::finish(Waitings::iterator place) {

@@ -63,6 +63,9 @@ public:
     /// How long an answer is waited for. Less than what programs wait, who then still get a part of it.
     static constexpr std::chrono::milliseconds kPatience{2000};
 
+    /// How many bytes of reports are kept, roughly; where they are more the oldest questions end.
+    static constexpr std::size_t kMostBytes = 64U << 20U;
+
     /// @p answer is called for each question that is at its end.
     explicit Questions(Answer answer) : m_answer(std::move(answer)) {}
 
@@ -120,10 +123,12 @@ private:
         void forgetBefore(Number number);
 
         Refs waiting;
+        std::size_t bytes = 0;                              // of what was told
         std::map<Number, SharedReport> told;                // the last on each property
         std::unordered_map<std::string_view, Number> byKey; // full keys, which the reports own
     };
 
+    [[nodiscard]] bool hand(const SharedReport& report);
     void enter(Waiting& waiting, Ref ref);
     void give(Ref ref, SharedReport report);
     void close(const Question::Item& item, Ref ref);
@@ -131,11 +136,13 @@ private:
     void recall(const SharedReport& gone);
     void leaveProperty(Waiting& waiting, Ref ref);
     void leaveGroup(Question::Item& item, Ref ref);
+    void keep(SharedReport& place, SharedReport report);
     void finish(Waitings::iterator place);
 
     const Answer m_answer;
     Number m_count = 0;
-    Waitings m_questions; // the oldest first
+    std::size_t m_bytes = 0; // of reports, each as often as it is kept
+    Waitings m_questions;    // the oldest first
     std::unordered_map<const Peer*, std::set<Number>> m_asked;
     std::unordered_map<std::string, Property> m_properties; // that are waited for, by id
     std::unordered_map<std::string, Group> m_groups;
