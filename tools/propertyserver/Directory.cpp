@@ -96,8 +96,6 @@ std::size_t Directory::release(std::string_view component) {
 
 void Directory::orphan(std::string_view component) {
     const auto found = m_programs.find(component);
-    if (found == m_programs.end()) // nobody watched it any more
-        return;
     Program& program = found->second;
     program.owner = nullptr;
     program.isSubscribed = false;
@@ -140,8 +138,8 @@ void Directory::forEachConnected(const std::function<void(const std::string&, Pr
     }
 }
 
-// Who watches all keeps no program that has gone, and hears of it when it comes again.
+// Who watches all keeps no program that has gone, and been told of, and hears of it when it comes again.
 void Directory::tidy(Programs::iterator program) {
-    if (program->second.owner == nullptr && program->second.watches == 0)
+    if (program->second.owner == nullptr && program->second.known == 0 && program->second.watches == 0)
         m_programs.erase(program);
 }

@@ -506,10 +506,10 @@ std::vector<SharedReport> Hub::everythingBut(const Peer& asker) {
     return reports;
 }
 
-// Nobody can ask for the next one, and so have it answered before its time.
+// Nobody can ask for one that is to come, and so have it answered before its time.
 PropertyGetRequest Hub::nextMark(std::string_view component) {
     char guid[kNoGroup.size() + 1];
-    const std::uint64_t mark = m_chance();
+    const std::uint64_t mark = std::uint64_t{m_chance()} << 32U | m_chance();
     static_cast<void>(std::snprintf(guid, sizeof guid, "00000000-0000-0000-%04llX-%012llX",
                                     static_cast<unsigned long long>(mark >> 48U),
                                     static_cast<unsigned long long>(mark & 0xFFFF'FFFF'FFFFU)));

@@ -102,7 +102,7 @@ private:
     std::map<const Peer*, std::list<Member>::iterator> m_places;
     Directory m_directory;
     Questions m_questions;
-    std::deque<Question> m_answers;                   // that are long, and have their turn to come
-    std::deque<std::string> m_released;               // components that have gone with much, likewise
-    std::mt19937_64 m_chance{std::random_device()()}; // of which marks are made
+    std::deque<Question> m_answers;     // that are long, and have their turn to come
+    std::deque<std::string> m_released; // components that have gone with much, likewise
+    std::random_device m_chance;        // of which marks are made
 };

@@ -85,6 +85,7 @@ private:
     void takeLocal(const std::string& frame);
     void drop(Connection& connection, std::string_view why);
     void weigh(std::size_t from, std::size_t to);
+    void checkRoom();
     void makeRoom();
     void tick();
     [[nodiscard]] bool endWaiting(Questions::Clock::time_point now);
@@ -237,11 +238,17 @@ void PropertyServer::Loop::takeLocal(const std::string& frame) {
 void PropertyServer::Loop::drop(Connection& connection, std::string_view why) {
     m_hub.leave(connection, why);
     m_connections.erase(connection.shared_from_this());
+    checkRoom();
 }
 
 void PropertyServer::Loop::weigh(std::size_t from, std::size_t to) {
     m_waiting += to - from;
-    if (to > from && m_waiting > kMostWaiting && !std::exchange(m_isMakingRoom, true))
+    if (to > from)
+        checkRoom();
+}
+
+void PropertyServer::Loop::checkRoom() {
+    if (m_waiting > kMostWaiting && !std::exchange(m_isMakingRoom, true))
         asio::post(context, [this] { makeRoom(); }); // not inside of a call of a connection
 }
 

@@ -23,8 +23,9 @@ struct PropertyServerOptions {
 /// The property server: programs connect to it, and it hands their messages to where they belong. It is
 /// itself the program "Firmware Driver", with "Battery AC Connected" and "Dots Per Inch".
 ///
-/// One event loop on one thread does all of it. No program delays or harms the others: none is waited for,
-/// what waits for one is bounded, and who breaks the rules loses its connection.
+/// One event loop on one thread does all of it. So that no program delays or harms the others none is waited
+/// for, what is long takes turns, what is kept for one is bounded, and who breaks the rules loses its
+/// connection.
 class PropertyServer {
 public:
     /// Listens. Returns null on failure and puts a sentence about it into @p why. Does not block.
@@ -35,8 +36,8 @@ public:
     PropertyServer(const PropertyServer&) = delete;
     PropertyServer& operator=(const PropertyServer&) = delete;
 
-    /// Serves. Blocks until stop(), or one of the signals of stopOnSignals(); then every program is told
-    /// goodbye.
+    /// Serves. Blocks until stop(), or one of the signals of stopOnSignals(); then every program that
+    /// has read what it was sent is told goodbye.
     void run();
 
     /// Ends run(). Thread: any. Does not block.
