@@ -177,6 +177,19 @@ TEST(HubLimits, WhatIsLongHasItsTurn) {
               "F: miss X/mark\n    B: has the answer all-there-is tell X/G:1=3\n");
 }
 
+TEST(HubLimits, ALongAnswerIsNoOlderThanTheChangesBeforeIt) {
+    ScriptedHub hub;
+    hub.say("A", "tell X/G:P=1 X/G:Q=1" + numbered(" X/G:", "=1", Hub::kManyReports));
+    hub.play("B: watch X/G:\nA: tell X/G:P=1 X/G:Q=1\n");
+    hub.say("A", "tell" + numbered(" X/G:", "=1", Hub::kManyReports));
+    hub.say("A", "miss X/mark");
+    hub.play("A: tell X/G:P=2\nA: lose X/G:Q=1\n");
+    const std::string answer = hub.play("turns");
+    EXPECT_NE(answer.find("has the answer"), std::string::npos);
+    EXPECT_NE(answer.find("X/G:P=2"), std::string::npos) << "changed since";
+    EXPECT_EQ(answer.find("X/G:Q="), std::string::npos) << "gone since";
+}
+
 TEST(HubLimits, NobodyHasAMarkAnsweredBeforeItsTime) {
     ScriptedHub hub;
     hub.say("A", "tell X/G:P=1");

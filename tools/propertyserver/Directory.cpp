@@ -47,6 +47,14 @@ SharedReport Directory::remember(Program& program, const SharedReport& report, b
     return last;
 }
 
+SharedReport Directory::latest(const Report& report) {
+    const Program* program = find(report.component());
+    if (program == nullptr || program->owner == nullptr)
+        return nullptr;
+    const auto found = program->properties.find(report.key());
+    return found == program->properties.end() ? nullptr : found->second.last;
+}
+
 bool Directory::watch(Peer& peer, std::string_view component, std::string_view group, std::string_view guid) {
     const auto program = m_programs.try_emplace(std::string(component)).first;
     Properties& among = guid.empty() ? program->second.groups : program->second.properties;

@@ -50,6 +50,9 @@ public:
     /// before, absent if nothing was; @p taken tells whether there was room.
     SharedReport remember(Program& program, const SharedReport& report, bool& taken);
 
+    /// Returns what was last told of the property of @p report; absent if it has gone, or was not taken.
+    [[nodiscard]] SharedReport latest(const Report& report);
+
     /// Adds @p peer to those who are told of a property, or of a whole group where @p guid is empty. Returns
     /// whether it was not among them.
     bool watch(Peer& peer, std::string_view component, std::string_view group, std::string_view guid);

@@ -273,12 +273,13 @@ void Hub::takeReport(Member& member, PropertyGetResponse arrived, bool isAnswer)
     if (program == nullptr)
         return;
     const auto report = std::make_shared<const Report>(std::move(arrived));
+    bool isTaken = false;
+    const std::size_t before = bytesOf(*program);
+    // Before it is an answer: answers hold what is known.
+    const SharedReport last = isFound ? m_directory.remember(*program, report, isTaken) : nullptr;
     isAnswer |= m_questions.settle(report);
     if (!isFound)
         return;
-    bool isTaken = false;
-    const std::size_t before = bytesOf(*program);
-    const SharedReport last = m_directory.remember(*program, report, isTaken);
     member.peer->charge(difference(before, bytesOf(*program)));
     if (!isTaken)
         refuseMore(member);
@@ -447,7 +448,10 @@ void Hub::finishAnswer(const Question& question) {
         const Question::Item& item = question.items[i];
         if (item.report)
             reports.push_back(item.report);
-        reports.insert(reports.end(), item.group.begin(), item.group.end());
+        for (const SharedReport& report : item.group) { // its turn may have come late
+            if (SharedReport latest = m_directory.latest(*report))
+                reports.push_back(std::move(latest));
+        }
     }
     const bool isComplete = std::all_of(question.items.begin(), question.items.end(), [](const auto& item) {
         return item.report || item.kind == Kind::Group;
