@@ -3,6 +3,7 @@
 
 #include "platform/ThreadFactory.h"
 #include "platform/WideText.h"
+#include "property/PropertyFileWriter.h"
 #include "property/PropertyKey.h"
 #include "property/PropertyManager.h"
 #include "property/UInt32Property.h"

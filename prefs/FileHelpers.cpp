@@ -115,4 +115,13 @@ bool copyFileWhole(std::wstring_view source, std::wstring_view destination, bool
     return !os::copyFile(onHost(source), onHost(destination), existing);
 }
 
+bool replaceByCopy(std::wstring_view source, std::wstring_view destination) {
+    return !os::replaceByCopy(onHost(source), onHost(destination));
+}
+
+bool rewriteFile(std::wstring_view path, std::size_t maxSize,
+                 const std::function<std::string(std::string_view)>& edit) {
+    return !os::rewriteFile(onHost(path), maxSize, edit);
+}
+
 bool removeFile(std::wstring_view path) { return !os::removeFile(onHost(path)); }

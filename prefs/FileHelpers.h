@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +51,16 @@ bool copyFile(std::wstring_view source, std::wstring_view destination, bool over
 /// the host can tell beforehand; any other failure may leave a part of it.
 /// Blocks until the medium has it.
 [[nodiscard]] bool copyFileWhole(std::wstring_view source, std::wstring_view destination, bool overwrite);
+
+/// Copies a file over another in one step: @p destination has its old content or the whole copy, also after a
+/// failure or a power cut. Returns whether the copy is on the medium. Blocks until it is.
+[[nodiscard]] bool replaceByCopy(std::wstring_view source, std::wstring_view destination);
+
+/// Rewrites a file in place: passes its content, empty if it is absent, to @p edit and replaces it by the
+/// result. Refuses a file of more than @p maxSize bytes. A full medium leaves the file unchanged where the
+/// file system can reserve room. Returns whether all of it is on the medium. Blocks until it is.
+[[nodiscard]] bool rewriteFile(std::wstring_view path, std::size_t maxSize,
+                               const std::function<std::string(std::string_view)>& edit);
 
 /// Removes a file. Returns whether it is gone from the medium. Blocks until the medium knows.
 [[nodiscard]] bool removeFile(std::wstring_view path);

@@ -1,5 +1,7 @@
 #include "property/PropertyFile.h"
 
+#include "platform/FileStream.h"
+#include "prefs/FileHelpers.h"
 #include "property/Property.h"
 #include "property/PropertyKey.h"
 
@@ -148,6 +150,29 @@ bool parsePropertyFile(std::string file, PropertyFileEntries& entries) {
     bool allGood = true;
     forEachLine(lines, false, [&](std::string_view line) { allGood = parseLine(line, entries) && allGood; });
     return allGood;
+}
+
+bool isGoodPropertyFile(std::string_view file) {
+    if (!hasGoodFileCheck(file))
+        return false;
+    bool allGood = true;
+    forEachLine(file.substr(0, file.size() - kFileCheckSize), false,
+                [&](std::string_view line) { allGood = allGood && !keyOf(line).empty(); });
+    return allGood;
+}
+
+std::optional<std::string> readPropertyFile(const std::wstring& path) {
+    FileStream stream(absolutePath(path), FileRead);
+    if (!stream.isGood())
+        return pathExists(path) ? std::optional<std::string>() : std::string();
+    const std::uint32_t length = stream.size();
+    if (length > kMaxPropertyFileSize)
+        return {};
+    std::string bytes(length, '\0');
+    const auto size = static_cast<std::int32_t>(bytes.size());
+    if (size > 0 && stream.read(bytes.data(), size) != size)
+        return {};
+    return bytes;
 }
 
 std::string propertyLinePrefix(const Property& property) {

@@ -3,6 +3,7 @@
 #include "property/PropertyFileEntries.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,6 +22,9 @@ class Property;
 /// Bytes of the check at the end of a file.
 constexpr std::size_t kFileCheckSize = 2;
 
+/// Larger files are neither read nor rewritten.
+constexpr std::uint32_t kMaxPropertyFileSize = 256U * 1024 * 1024;
+
 /// Returns the check of @p bytes: CRC-16/MAXIM-DOW (polynomial 0x8005 reflected, initial value 0,
 /// complemented).
 std::uint16_t fileCheck(std::string_view bytes);
@@ -35,6 +39,13 @@ bool hasGoodFileCheck(std::string_view file);
 /// the same key. Returns false if the check is wrong, and then leaves @p entries as they were, or if a line
 /// has no key: then the others are read. Text behind the last 0x0A is not read.
 bool parsePropertyFile(std::string file, PropertyFileEntries& entries);
+
+/// Returns whether parsePropertyFile() would accept @p file.
+bool isGoodPropertyFile(std::string_view file);
+
+/// Returns the bytes of the file at @p path, no bytes if it is absent, or nothing if it exists and cannot be
+/// read. A relative path starts at the folder of the program. Blocks for the file.
+std::optional<std::string> readPropertyFile(const std::wstring& path);
 
 /// Returns the prefix of the line of @p property.
 std::string propertyLinePrefix(const Property& property);

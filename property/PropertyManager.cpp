@@ -3,6 +3,7 @@
 #include "platform/ThreadFactory.h"
 #include "platform/WideText.h"
 #include "property/BoolProperty.h"
+#include "property/PropertyFileWriter.h"
 #include "property/PropertyKey.h"
 #include "property/PropertyVocabulary.h"
 #include "property/StringProperty.h"
@@ -131,17 +132,15 @@ bool PropertyManager::addPersistentProperty(const std::shared_ptr<Property>& pro
 }
 
 void PropertyManager::writeWhenChanged(Property& property) {
-    // The property may outlive the manager: then its changes go nowhere. The prefix of its line never
-    // changes.
-    property.addListener(
-        [lock = m_persistentLock, writer = m_fileStore.writer(), file = m_fileName,
-         prefix = propertyLinePrefix(property)](const std::shared_ptr<Property>& changed) mutable {
-            const std::shared_ptr<PropertyFileWriter> alive = writer.lock();
-            if (!alive)
-                return;
-            const KeltoGuard guard(lock);
-            alive->queueLine(prefix, changed->getStringValue(), file);
-        });
+    // The property can outlive the manager; its changes are not written then.
+    property.addListener([lock = m_persistentLock, writer = m_fileStore.writer(),
+                          file = m_fileName](const std::shared_ptr<Property>& changed) mutable {
+        const std::shared_ptr<PropertyFileWriter> alive = writer.lock();
+        if (!alive)
+            return;
+        const KeltoGuard guard(lock);
+        alive->writeProperty(*changed, file);
+    });
 }
 
 void PropertyManager::startWorker() {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -31,6 +34,19 @@ enum class ExistingFile { Refuse, Overwrite };
 /// Returns the reason of a failure. Thread: any. Blocks until the medium has the copy.
 [[nodiscard]] std::error_code copyFile(const std::string& source, const std::string& destination,
                                        ExistingFile existing);
+
+/// Copies the regular file @p source over @p destination in one step: @p destination has its old content or
+/// the whole copy, also after a failure or a power cut. Needs room for the temporary file @p destination
+/// ".new". Returns the reason of a failure. Thread-safe. Blocks until the medium has the copy.
+[[nodiscard]] std::error_code replaceByCopy(const std::string& source, const std::string& destination);
+
+/// Rewrites the regular file @p path in place, through one descriptor: passes its content to @p edit and
+/// replaces it by the result. Creates the file if it is absent; refuses one of more than @p maxSize bytes.
+/// The room is reserved first where the file system can do that, so a full medium leaves the file unchanged.
+/// After any other failure to write, the file contains a part of the new content. Returns the reason of a
+/// failure. Thread-safe. Blocks until content and name are on the medium.
+[[nodiscard]] std::error_code rewriteFile(const std::string& path, std::size_t maxSize,
+                                          const std::function<std::string(std::string_view)>& edit);
 
 /// Removes the file @p path for good: it does not come back after a power cut.
 /// Returns the reason of a failure. Thread: any. Blocks until the medium knows.

@@ -1,7 +1,9 @@
 #include "property/PropertyManager.h"
 
 #include "platform/ThreadFactory.h"
+#include "prefs/FileHelpers.h"
 #include "property/BoolProperty.h"
+#include "property/PropertyFileWriter.h"
 #include "property/StringProperty.h"
 #include "property/TriggerProperty.h"
 #include "property/UInt32Property.h"
@@ -12,6 +14,7 @@
 #include <csignal>
 #include <fstream>
 #include <sstream>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
@@ -287,30 +290,163 @@ std::string valuesOf(const std::wstring& path) {
     return values;
 }
 
-TEST_F(PropertyManagerTest, ARewriteThatBreaksOffAnywhereLosesAndInventsNothing) {
+TEST_F(PropertyManagerTest, AnInterruptedRewriteLosesAndInventsNothing) {
     const std::wstring path = L"/store/AppPreferences.ini";
     const std::string before = good("G:A|g:n=111111\nG:B|g:n=222222\nG:C|g:n=333333\n");
     for (rlim_t room = 0; room <= before.size(); ++room) {
-        for (const bool hasCopy : {true, false}) {
-            for (const bool goesOn : {true, false}) {
-                write(file(), before);
-                hasCopy ? write(backup(), before) : static_cast<void>(std::filesystem::remove(backup()));
-                auto writer = std::make_unique<PropertyFileWriter>();
-                {
-                    const SmallMedium medium(room);
-                    writer->queueLine("G:A|g:n", "444444", path);
-                    writer->drainWriteQueue();
-                }
-                if (!goesOn)
-                    writer = std::make_unique<PropertyFileWriter>(); // another start
-                writer->queueLine("G:C|g:n", "555555", path);
+        for (const bool isSameProcess : {true, false}) {
+            write(file(), before);
+            write(backup(), before);
+            auto writer = std::make_unique<PropertyFileWriter>();
+            {
+                const SmallMedium medium(room);
+                writer->queueLine("G:A|g:n", "444444", path);
                 writer->drainWriteQueue();
-                const bool isChanged = goesOn || room == before.size();
-                EXPECT_EQ(valuesOf(path), isChanged ? "444444 222222 555555 " : "111111 222222 555555 ")
-                    << room << hasCopy << goesOn;
             }
+            if (!isSameProcess)
+                writer = std::make_unique<PropertyFileWriter>();
+            writer->queueLine("G:C|g:n", "555555", path);
+            writer->drainWriteQueue();
+            const bool isChanged = isSameProcess || room == before.size();
+            EXPECT_EQ(valuesOf(path), isChanged ? "444444 222222 555555 " : "111111 222222 555555 ")
+                << room << isSameProcess;
         }
     }
+}
+
+/// What happens to the files around the rewrites of one writer; the file holds A=1 and B=2 at first.
+class RewriteTest : public PropertyManagerTest {
+protected:
+    void startAgain() {
+        std::filesystem::remove_all(root());
+        std::filesystem::create_directories(root() / "store");
+        write(file(), good("G:A|g:n=1\nG:B|g:n=2\n"));
+        write(backup(), good("G:A|g:n=1\nG:B|g:n=0\n"));
+        writer = std::make_unique<PropertyFileWriter>();
+    }
+    void load() const {
+        PropertyFileEntries ignored;
+        static_cast<void>(writer->load(kFile, L"", ignored));
+    }
+    void set(const char* guid, const char* value) const {
+        writer->queueLine(std::string("G:") + guid + "|g:n", value, kFile);
+        writer->drainWriteQueue();
+    }
+    void move(const char* from, const char* to) const { std::filesystem::rename(root() / from, root() / to); }
+
+    static constexpr auto kFile = L"/store/AppPreferences.ini";
+    std::unique_ptr<PropertyFileWriter> writer;
+};
+
+TEST_F(RewriteTest, EachRewriteBuildsOnTheBestLinesThatAreKnown) {
+    const std::filesystem::path away = root() / "away";
+    const struct {
+        const char* name;
+        std::function<void()> steps;
+        const char* values;
+    } kRows[] = {
+        {"the folder is away for one drain and comes back with other values",
+         [&] {
+             load();
+             move("store", "away");
+             set("A", "3");
+             move("away", "store");
+             write(file(), good("G:A|g:n=1\nG:B|g:n=7\n"));
+         },
+         "3 7 4 "},
+        {"the folder is away at startup",
+         [&] {
+             move("store", "away");
+             load();
+             set("A", "3");
+             move("away", "store");
+         },
+         "3 2 4 "},
+        {"the file cannot be read at startup",
+         [&] {
+             std::filesystem::rename(file(), away);
+             std::filesystem::create_directory(file());
+             load();
+             set("A", "3");
+             std::filesystem::remove(file());
+             std::filesystem::rename(away, file());
+         },
+         "3 2 4 "},
+        {"the file is damaged while the program runs",
+         [&] {
+             load();
+             set("B", "5");
+             write(file(), "G:A|g:n=1\nG:B|g");
+         },
+         "1 5 4 "},
+        {"the file is removed while the program runs",
+         [&] {
+             load();
+             set("B", "5");
+             std::filesystem::remove(file());
+         },
+         "1 5 4 "},
+        {"the file is damaged before the first rewrite, and its backup is older",
+         [&] { write(file(), "G:A|g:n=1\nG:B|g"); }, "1 0 4 "},
+        {"the file and its backup are damaged",
+         [&] {
+             write(file(), "G:A|g:n=1\nG:B|g:n=6\nrest");
+             write(backup(), "bad");
+             load();
+         },
+         "1 6 4 "},
+        {"another file cannot be written",
+         [&] {
+             load();
+             writer->queueLine("G:A|g:n", "9", L"/away/a folder that does not exist");
+             set("A", "3");
+         },
+         "3 2 4 "},
+    };
+    for (const auto& row : kRows) {
+        startAgain();
+        row.steps();
+        set("C", "4");
+        EXPECT_EQ(valuesOf(kFile), row.values) << row.name;
+    }
+}
+
+TEST_F(RewriteTest, WithoutABackupValuesAreStoredAllTheSameAndOneLineIsLogged) {
+    startAgain();
+    std::filesystem::remove(backup());
+    std::filesystem::create_directory(backup());
+    ::testing::internal::CaptureStderr();
+    load();
+    set("A", "3");
+    set("C", "4");
+    EXPECT_EQ(valuesOf(kFile), "3 2 4 ");
+    EXPECT_EQ(
+        ::testing::internal::GetCapturedStderr(),
+        "cannot copy \"/store/AppPreferences.ini\" to \"/store/AppPreferences.ini.bak\"; values are stored "
+        "without a backup\n");
+}
+
+TEST_F(RewriteTest, AFullDiskKeepsTheFileAndStoresWhatFits) {
+    startAgain();
+    const char* const kOptions = "size=12k"; // three pages
+    if (::mount("none", (root() / "store").c_str(), "tmpfs", 0, kOptions) != 0)
+        GTEST_SKIP() << "needs the right to mount a file system";
+    const auto set = [this](std::size_t size) { this->set("A", std::string(size, 'x').c_str()); };
+    set(6'000); // two pages; no room for a backup
+    set(7'000);
+    EXPECT_EQ(valuesOf(kFile).size(), 7'001) << "stored without a backup";
+    set(20'000);
+    EXPECT_EQ(valuesOf(kFile).size(), 7'001) << "unchanged";
+    ASSERT_EQ(::umount((root() / "store").c_str()), 0);
+}
+
+TEST_F(RewriteTest, ARelativePathStartsAtTheFolderOfTheProgram) {
+    const std::wstring name = L"RewriteTest " + std::to_wstring(::getpid()) + L".ini";
+    PropertyFileWriter relative;
+    relative.queueLine("G:A|g:n", "1", name);
+    relative.drainWriteQueue();
+    EXPECT_EQ(valuesOf(name), "1 ");
+    EXPECT_TRUE(removeFile(absolutePath(name)));
 }
 
 TEST_F(PropertyManagerTest, AValueWithALineEndIsNotWrittenAndHarmsNoOther) {
@@ -403,15 +539,6 @@ TEST_F(PropertyManagerTest, AfterItsEndNothingMoreIsWritten) {
     EXPECT_EQ(read(file()), atTheEnd);
 }
 
-TEST_F(PropertyManagerTest, AFolderInThePlaceOfTheFileIsNoFile) {
-    std::filesystem::create_directory(file());
-    start();
-    EXPECT_TRUE(loadingFailed());
-    add<UInt32Property>("A", 0U)->setValue(1);
-    finish();
-    EXPECT_TRUE(std::filesystem::is_directory(file()));
-}
-
 TEST_F(PropertyManagerTest, LargeFilesAndLongLinesLoadAndChange) {
     std::string lines;
     for (int i = 0; i < 10'000; ++i)
@@ -424,15 +551,6 @@ TEST_F(PropertyManagerTest, LargeFilesAndLongLinesLoadAndChange) {
     EXPECT_EQ(last->getValue(), 9999U);
     last->setValue(1);
     EXPECT_TRUE(eventually([&] { return read(file()).find("\nG:9999|g:n=1\n") != std::string::npos; }));
-}
-
-TEST_F(PropertyManagerTest, AnUnreadableFolderIsNoFailureOfTheProgram) {
-    std::filesystem::remove_all(root() / "store");
-    start();
-    EXPECT_TRUE(loadingFailed());
-    add<UInt32Property>("A", 0U)->setValue(1);
-    finish();
-    EXPECT_FALSE(std::filesystem::exists(file()));
 }
 
 TEST_F(PropertyManagerTest, LoadsRegistrationsSetsAndRemovalsMeetWithoutADeadlock) {

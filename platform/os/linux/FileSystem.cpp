@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <string_view>
@@ -15,6 +16,7 @@ namespace os {
 namespace {
 
 constexpr unsigned kNewFolderMode = 0755;
+constexpr unsigned kNewFileMode = 0666; // less the umask
 constexpr unsigned kPermissions = 0777;
 
 // Not blocking: a FIFO without a partner must not hold up the caller. Files take no notice of it.
@@ -40,8 +42,7 @@ std::error_code writeWhole(const Descriptor& file, std::string_view bytes) {
     return {};
 }
 
-// Gives the number of bytes copied: the source may have grown or shrunk since its size was asked.
-std::error_code copyContent(const Descriptor& source, const Descriptor& destination, off_t& copied) {
+std::error_code copyContent(const Descriptor& source, const Descriptor& destination) {
     std::array<char, 65536> buffer{};
     for (;;) {
         const ssize_t count = retried([&] { return ::read(source.value(), buffer.data(), buffer.size()); });
@@ -51,7 +52,6 @@ std::error_code copyContent(const Descriptor& source, const Descriptor& destinat
             return {};
         if (const auto failure = writeWhole(destination, {buffer.data(), static_cast<std::size_t>(count)}))
             return failure;
-        copied += count;
     }
 }
 
@@ -62,19 +62,18 @@ std::error_code reserveRoom(const Descriptor& file, off_t size) {
     return errno == EOPNOTSUPP || errno == ENOSYS ? std::error_code() : lastFailure();
 }
 
-// The end is cut last, and not the whole file first: until new bytes come the old ones stay.
-std::error_code replaceContent(const Descriptor& source, off_t size, const Descriptor& destination) {
-    // First the source: while its copy is written over, it is the one that must be on the medium.
-    if (retried([&] { return ::fsync(source.value()); }) != 0)
-        return lastFailure();
-    if (const auto failure = reserveRoom(destination, size))
+// Reserves room for @p size bytes, so that a full medium leaves the file unchanged, empties the file, and
+// calls
+// @p write for the new content. The old bytes go first: an interruption leaves no mix of old and new lines.
+template <typename Write>
+std::error_code replaceContent(const Descriptor& file, off_t size, Write write) {
+    if (const auto failure = reserveRoom(file, size))
         return failure;
-    off_t copied = 0;
-    if (const auto failure = copyContent(source, destination, copied))
-        return failure;
-    if (retried([&] { return ::ftruncate(destination.value(), copied); }) != 0)
+    if (retried([&] { return ::ftruncate(file.value(), 0); }) != 0)
         return lastFailure();
-    return retried([&] { return ::fsync(destination.value()); }) == 0 ? std::error_code() : lastFailure();
+    if (const auto failure = write())
+        return failure;
+    return retried([&] { return ::fsync(file.value()); }) == 0 ? std::error_code() : lastFailure();
 }
 
 // A name is on the medium only when its folder is.
@@ -133,9 +132,42 @@ std::error_code copyFile(const std::string& source, const std::string& destinati
         return failure;
     if (from.st_dev == to.st_dev && from.st_ino == to.st_ino)
         return std::make_error_code(std::errc::invalid_argument);
-    if (const auto failure = replaceContent(input, from.st_size, output))
+    // The source first: it must be on the medium while its copy is overwritten.
+    if (retried([&] { return ::fsync(input.value()); }) != 0)
+        return lastFailure();
+    if (const auto failure = replaceContent(output, from.st_size, [&] { return copyContent(input, output); }))
         return failure;
     return syncFolderOf(destination);
+}
+
+std::error_code replaceByCopy(const std::string& source, const std::string& destination) {
+    const std::string temporary = destination + ".new";
+    std::error_code failure = copyFile(source, temporary, ExistingFile::Overwrite);
+    if (!failure && ::rename(temporary.c_str(), destination.c_str()) != 0)
+        failure = lastFailure();
+    if (!failure)
+        return syncFolderOf(destination);
+    static_cast<void>(::unlink(temporary.c_str())); // the failure is what the caller must know
+    return failure;
+}
+
+std::error_code rewriteFile(const std::string& path, std::size_t maxSize,
+                            const std::function<std::string(std::string_view)>& edit) {
+    struct stat status {};
+    const Descriptor file = opened(path, O_RDWR | O_CREAT, kNewFileMode);
+    if (const auto failure = regularFileStatus(file, status))
+        return failure;
+    if (static_cast<std::size_t>(status.st_size) > maxSize)
+        return std::make_error_code(std::errc::file_too_large);
+    std::string old(static_cast<std::size_t>(status.st_size), '\0');
+    const ssize_t count = retried([&] { return ::pread(file.value(), old.data(), old.size(), 0); });
+    if (count != status.st_size)
+        return count < 0 ? lastFailure() : std::make_error_code(std::errc::io_error);
+    const std::string bytes = edit(old);
+    const auto size = static_cast<off_t>(bytes.size());
+    if (const auto failure = replaceContent(file, size, [&] { return writeWhole(file, bytes); }))
+        return failure;
+    return syncFolderOf(path);
 }
 
 std::error_code removeFile(const std::string& path) {

@@ -105,6 +105,10 @@ int fsync(int file) {
     return done(file, [&] { return next<decltype(&::fsync)>("fsync")(file); });
 }
 
+int rename(const char* from, const char* to) {
+    return done(from, [&] { return next<decltype(&::rename)>("rename")(from, to); });
+}
+
 int unlink(const char* path) {
     return done(path, [&] { return next<decltype(&::unlink)>("unlink")(path); });
 }
