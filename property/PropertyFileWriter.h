@@ -71,12 +71,10 @@ private:
     };
 
     [[nodiscard]] bool rewrite(const std::wstring& file, const Lines& changes) KELTO_REQUIRES(m_fileLock);
-    const std::string& baseOfRewrite(const std::wstring& file, std::string_view bytes, FileState& state)
-        KELTO_REQUIRES(m_fileLock);
-    void useGoodFile(const std::wstring& file, std::string_view bytes, FileState& state)
-        KELTO_REQUIRES(m_fileLock);
-    bool readFileOrBackup(const std::wstring& file, FileState& state, PropertyFileEntries& entries)
-        KELTO_REQUIRES(m_fileLock);
+    static const std::string& baseOfRewrite(const std::wstring& file, std::string_view bytes,
+                                            FileState& state);
+    static void useGoodFile(const std::wstring& file, std::string_view bytes, FileState& state);
+    static bool readFileOrBackup(const std::wstring& file, FileState& state, PropertyFileEntries& entries);
     void applyOverride(const std::wstring& file, const std::wstring& overrideFile, FileState& state,
                        PropertyFileEntries& entries) KELTO_REQUIRES(m_fileLock);
     PropertyFileEntries waitingEntries(const std::wstring& file);
