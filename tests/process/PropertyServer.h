@@ -57,6 +57,9 @@ public:
     /// Returns the next frame; an empty one stands for the end of the stream, or none by the deadline.
     std::string hears();
 
+    /// Returns the next frame that contains @p text; the others are skipped. Empty as hears().
+    std::string hearsFrameWith(std::string_view text);
+
     /// Hears publications until as many reports have come as @p created has, which are those expected, in the
     /// order in which the properties were created or changed. Returns what came in that order, too: a
     /// publisher tells the newest first, in each of the two looks that it takes for a frame.
@@ -69,8 +72,6 @@ public:
     void sync();
 
 private:
-    std::string hearsFrameWith(std::string_view text);
-
     std::unique_ptr<PrinterDevice> m_device;
     os::Descriptor m_connection;
 };

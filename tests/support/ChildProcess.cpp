@@ -68,3 +68,9 @@ long ChildProcess::contextSwitches() const {
     }
     return sum;
 }
+
+std::size_t ChildProcess::residentBytes() const {
+    std::size_t pages = 0;
+    std::ifstream("/proc/" + std::to_string(m_pid) + "/statm") >> pages >> pages;
+    return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -29,6 +30,9 @@ public:
     /// Returns how often the threads of the program have been given a processor so far; 0 if that cannot be
     /// told.
     [[nodiscard]] long contextSwitches() const;
+
+    /// Returns the bytes of memory that the program uses; 0 if it has ended.
+    [[nodiscard]] std::size_t residentBytes() const;
 
 private:
     pid_t m_pid = -1;
