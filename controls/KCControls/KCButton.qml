@@ -36,7 +36,7 @@ Rectangle {
     Accessible.role: Accessible.Button
     Accessible.name: textToDisplay
     Accessible.focusable: true
-    Accessible.onPressAction: if (enabled) clicked()
+    Accessible.onPressAction: if (visible && enabled) clicked()
 
     // Wraps between words, and shrinks only where that is not enough.
     Text {

@@ -9,7 +9,7 @@ Item {
 
     Accessible.role: Accessible.Button
     Accessible.name: qsTr("Close")
-    Accessible.onPressAction: if (enabled) clicked()
+    Accessible.onPressAction: if (visible && enabled) clicked()
 
     Rectangle {
         anchors.fill: parent

@@ -1,5 +1,6 @@
 #include "tests/screens/ScreensFixture.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QQmlContext>
 #include <QQmlEngine>
@@ -67,6 +68,10 @@ void ScreensTest::press(QQuickItem* button, Press way) {
         break;
     case Press::Return:
         QTest::keyClick(window, Qt::Key_Return);
+        break;
+    case Press::Accessible:
+        QAccessible::queryAccessibleInterface(button)->actionInterface()->doAction(
+            QAccessibleActionInterface::pressAction());
         break;
     }
     QCoreApplication::processEvents();

@@ -38,7 +38,7 @@ protected:
     QString text(const char* screenName, const char* textName);
     double barValue();
 
-    enum class Press { Mouse, Touch, Enter, Return };
+    enum class Press { Mouse, Touch, Enter, Return, Accessible };
     void press(QQuickItem* button, Press way);
     void resize(int width, int height);
 

@@ -1,5 +1,6 @@
 #include "tests/screens/ScreensFixture.h"
 
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -107,16 +108,13 @@ TEST_F(Screens, EachStateShowsItsScreenHeaderIconAndTexts) {
     }
 }
 
-TEST_F(Screens, EveryButtonTakesMouseTouchEnterAndReturn) {
+TEST_F(Screens, EveryButtonReactsToEveryKindOfPress) {
     link->repairAvailable(true);
-    for (const Press way : {Press::Mouse, Press::Touch, Press::Enter, Press::Return}) {
+    for (const Press way : {Press::Mouse, Press::Touch, Press::Enter, Press::Return, Press::Accessible}) {
         for (const ScreenRow& row : kScreens) {
             show(row.display);
-            if (row.button == nullptr) {
-                press(screen(row.screen), way);
-                EXPECT_TRUE(link->takeActions().empty()) << row.state << " has nothing to press";
+            if (row.button == nullptr)
                 continue;
-            }
             press(find<QQuickItem>(row.button, screen(row.screen)), way);
             EXPECT_EQ(link->takeActions(), std::vector{row.action})
                 << row.state << ' ' << static_cast<int>(way);
@@ -138,6 +136,18 @@ TEST_F(Screens, CancelAndCloseAreForTheHandOnly) {
     }
 }
 
+TEST_F(Screens, AHiddenOrDisabledButtonDoesNotReact) {
+    link->repairAvailable(true);
+    show(DisplayInProgress);
+    const auto buttons = window->findChildren<QQuickItem*>(QRegularExpression(QStringLiteral("Button$")));
+    EXPECT_GE(buttons.size(), static_cast<int>(std::size(kScreens)));
+    for (QQuickItem* button : buttons) {
+        for (const Press way : {Press::Mouse, Press::Touch, Press::Enter, Press::Return, Press::Accessible})
+            press(button, way);
+        EXPECT_TRUE(link->takeActions().empty()) << button->objectName().toStdString();
+    }
+}
+
 TEST_F(Screens, APressThatLeavesTheButtonIsNone) {
     show(DisplayFailed);
     ASSERT_TRUE(eventuallyShown([this] { return window->isExposed(); }));
@@ -154,7 +164,7 @@ TEST_F(Screens, RepairWaitsUntilItIsAvailable) {
     auto* button = find<QQuickItem>("repairButton", screen("systemIntegrityFailed"));
     for (const bool available : {false, true, false}) {
         link->repairAvailable(available);
-        for (const Press way : {Press::Mouse, Press::Touch, Press::Return}) {
+        for (const Press way : {Press::Mouse, Press::Touch, Press::Return, Press::Accessible}) {
             press(button, way);
             EXPECT_EQ(link->takeActions().size(), available ? 1U : 0U) << static_cast<int>(way);
         }
