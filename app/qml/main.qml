@@ -30,6 +30,17 @@ KCMain {
             { text: qsTr("Executing post upgrade activities..."), percent: 95 }
         ]
 
+        readonly property bool hasScreen: QUpgradeModule.upgradeState !== KQUpgradeInterface.StateIdle
+                                          && QUpgradeModule.upgradeState !== KQUpgradeInterface.StateExitUi
+
+        function updateWindow() {
+            upgradeUI.visible = hasScreen
+        }
+
+        // Some platforms draw the first frame while the window is being shown. Qt.callLater() shows it only after the
+        // state has set everything that the frame contains.
+        onHasScreenChanged: hasScreen ? Qt.callLater(updateWindow) : updateWindow()
+
         objectName: "mainHandler"
         state: "idle"
         onCloseBtnClicked: QUpgradeModule.userClickedClose()
@@ -144,16 +155,11 @@ KCMain {
         }
 
         states: [
-            State {
-                name: "idle"
-
-                PropertyChanges { target: upgradeUI; visible: false }
-            },
+            State { name: "idle" },
             State {
                 name: "connectACPower"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateConnectACPower
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: true
@@ -166,7 +172,6 @@ KCMain {
                 name: "upgradeFileFound"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeFileFound
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: true
@@ -179,7 +184,6 @@ KCMain {
                 name: "upgradeInProgress"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeInProgress
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: false
@@ -192,7 +196,6 @@ KCMain {
                 name: "upgradeCompleted"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeCompleted
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: false
@@ -205,7 +208,6 @@ KCMain {
                 name: "upgradeCompletedNoReboot"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeCompletedNoReboot
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: false
@@ -218,7 +220,6 @@ KCMain {
                 name: "upgradeFileCorrupted"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeFileCorrupted
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: true
@@ -231,7 +232,6 @@ KCMain {
                 name: "upgradeFailed"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeFailed
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: true
@@ -244,7 +244,6 @@ KCMain {
                 name: "upgradeFileNotFound"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeFileNotFound
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: true
@@ -257,7 +256,6 @@ KCMain {
                 name: "upgradeFileIncompatible"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateUpgradeFileIncompatible
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: true
@@ -270,7 +268,6 @@ KCMain {
                 name: "nextBootSafe"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateNextBootSafe
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: false
@@ -283,7 +280,6 @@ KCMain {
                 name: "sysIntegrityFail"
                 when: QUpgradeModule.upgradeState === KQUpgradeInterface.StateSysIntegrityFailed
 
-                PropertyChanges { target: upgradeUI; visible: true }
                 PropertyChanges {
                     target: mainHandler
                     enableClose: false

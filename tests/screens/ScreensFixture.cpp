@@ -42,6 +42,11 @@ void ScreensTest::awaitFrame() {
     EXPECT_TRUE(eventuallyShown([&drawn] { return !drawn.isEmpty(); }));
 }
 
+void ScreensTest::show(UpgradeDisplay display) {
+    link->display(display);
+    QCoreApplication::processEvents();
+}
+
 QString ScreensTest::text(const char* screenName, const char* textName) {
     return find<QObject>(textName, screen(screenName))->property("text").toString();
 }

@@ -25,7 +25,8 @@ protected:
     /// Loads the root file. What the link said before stands in the model.
     void load();
 
-    void show(UpgradeDisplay display) { link->display(display); }
+    /// Returns after the event loop has shown or hidden the window.
+    void show(UpgradeDisplay display);
     void stage(int message) { link->progress(static_cast<UpgradeProgressMsg>(message)); }
 
     template <typename Type>
