@@ -29,8 +29,6 @@ Item {
         property int steps: 0
         property Item bar: null
 
-        // The sum of the steps can fall short of the end by this much; it would cost a tick more.
-        readonly property real roundingError: 1e-6
         readonly property real increment: (endPercent - startPercent) / steps
         property real realPercent: startPercent
 
@@ -42,10 +40,9 @@ Item {
         repeat: true
         running: bar !== null && bar.value >= startPercent && bar.value < endPercent
         onTriggered: {
-            var grown = realPercent + increment
-            realPercent = grown < endPercent - roundingError ? grown : endPercent
+            realPercent = Math.min(realPercent + increment, endPercent)
             if (bar.value < endPercent)
-                bar.value = realPercent
+                bar.value = Math.round(realPercent)
         }
     }
 
@@ -59,7 +56,7 @@ Item {
 
     KCPopupBodyText {
         objectName: "progressText"
-        text: qsTr("Upgrade Progress: %1%").arg(Math.floor(progressBar.value))
+        text: qsTr("Upgrade Progress: %1%").arg(progressBar.value)
     }
 
     KCProgressBar {

@@ -1,7 +1,7 @@
 import QtQuick 2.0
 import KCControls 1.0
 
-// A bar from 0 to 100. It draws the fraction of its value as it is and slides to each new value.
+// A bar from 0 to 100 that slides to each new value.
 Rectangle {
     id: bar
 
@@ -16,7 +16,7 @@ Rectangle {
     color: KCStyle.barTrack
 
     Accessible.role: Accessible.ProgressBar
-    Accessible.name: qsTr("Progress: %1%").arg(Math.floor(value))
+    Accessible.name: qsTr("Progress: %1%").arg(value)
 
     Behavior on shownValue {
         enabled: bar.visible

@@ -239,10 +239,10 @@ TEST_F(Screens, LongStagesAreFilledInByThePackageSize) {
         const char* name;
         unsigned int bytes;
         int message;
-        std::vector<int> values; // whole numbers shown, tick by tick
+        std::vector<double> values; // of the bar, tick by tick
     } kRows[] = {
         {"copy of 15.5 MB", 15'500'000, 7, {13, 21, 29, 37, 45}},
-        {"extraction of 15.5 MB", 15'500'000, 13, {58, 64, 71, 77, 83, 90}},
+        {"extraction of 15.5 MB", 15'500'000, 13, {58, 65, 71, 77, 84, 90}},
         {"copy just short of two steps", 6'199'999, 7, {45}},
         {"copy under 3.1 MB", 3'099'999, 7, {45}},
         {"extraction under 2583334 bytes", 2'583'333, 13, {90}},
@@ -256,11 +256,11 @@ TEST_F(Screens, LongStagesAreFilledInByThePackageSize) {
             find<QObject>(row.message == 7 ? "copyTimer" : "extractTimer", screen("upgradeInProgress"));
         EXPECT_EQ(timer->property("interval").toInt(), 1000) << row.name;
         timer->setProperty("interval", 1);
-        std::vector<int> seen;
+        std::vector<double> seen;
         QSignalSpy changed(find<QObject>("progressBar", screen("upgradeInProgress")), SIGNAL(valueChanged()));
         stage(row.message);
         while (timer->property("running").toBool() && changed.wait(20'000))
-            seen.push_back(static_cast<int>(barValue()));
+            seen.push_back(barValue());
         EXPECT_EQ(seen, row.values) << row.name;
         EXPECT_FALSE(timer->property("running").toBool()) << row.name;
         timer->setProperty("interval", 1000);
@@ -279,8 +279,7 @@ TEST_F(Screens, TheNextStageEndsATimerAndAHiddenScreenRewindsIt) {
     hurry("copyTimer", screen("upgradeInProgress"));
     ASSERT_TRUE(eventuallyShown([this] { return barValue() > 6; }));
     EXPECT_EQ(text("upgradeInProgress", "progressText"),
-              QStringLiteral("Upgrade Progress: %1%").arg(static_cast<int>(barValue())))
-        << "whole numbers only";
+              QStringLiteral("Upgrade Progress: %1%").arg(barValue()));
     timer->setProperty("interval", 1000);
     show(DisplayFailed);
     EXPECT_EQ(timer->property("realPercent").toDouble(), 5);
