@@ -11,9 +11,19 @@ Window {
     visible: false
     title: "Upgrade UI"
 
-    // No window manager gives such a window the keyboard. It can be asked for only once the window is on the display.
+    // A window that bypasses the window manager gets the keyboard only on request, and only once it is on the display.
     onVisibleChanged: if (visible) Qt.callLater(requestActivate)
     onClosing: close.accepted = false
+
+    // Requests the keyboard at each press anywhere, and leaves the press to the items below.
+    MouseArea {
+        anchors.fill: parent
+        z: 1
+        onPressed: {
+            main.requestActivate()
+            mouse.accepted = false
+        }
+    }
 
     Binding {
         target: KCSize

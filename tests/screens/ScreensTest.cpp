@@ -165,6 +165,22 @@ TEST_F(Screens, AHiddenOrDisabledButtonDoesNotReact) {
     }
 }
 
+TEST_F(Screens, AClickAnywhereReturnsTheKeyboardToTheDefaultButton) {
+    show(DisplayCompletedNoReboot);
+    for (QQuickItem* place : {screen("upgradeCompletedNoReboot"), find<QQuickItem>("closeButton")}) {
+        QWindow other;
+        other.show();
+        ASSERT_TRUE(eventuallyShown([&other] {
+            other.requestActivate();
+            return other.isActive();
+        }));
+        QTest::mouseClick(window, Qt::LeftButton, {},
+                          place->mapToScene({place->width() / 2, place->height() / 2}).toPoint());
+        press(place, Press::Enter);
+        EXPECT_EQ(link->takeActions(), std::vector{ActionOkNoReboot}) << place->objectName().toStdString();
+    }
+}
+
 TEST_F(Screens, APressThatLeavesTheButtonIsNone) {
     show(DisplayFailed);
     ASSERT_TRUE(eventuallyShown([this] { return window->isExposed(); }));
