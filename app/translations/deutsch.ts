@@ -17,6 +17,13 @@ Hinweis: Trennen Sie das Netzteil erst, wenn das Update abgeschlossen ist.</tran
     </message>
 </context>
 <context>
+    <name>KCMain</name>
+    <message>
+        <source>Upgrade UI</source>
+        <translation>Update-Oberfläche</translation>
+    </message>
+</context>
+<context>
     <name>KCProgressBar</name>
     <message>
         <source>Progress: %1%</source>

@@ -17,6 +17,13 @@ Nota: No desconecte la alimentación de CA hasta que finalice la actualización.
     </message>
 </context>
 <context>
+    <name>KCMain</name>
+    <message>
+        <source>Upgrade UI</source>
+        <translation>Interfaz de actualización</translation>
+    </message>
+</context>
+<context>
     <name>KCProgressBar</name>
     <message>
         <source>Progress: %1%</source>

@@ -17,6 +17,13 @@ Remarque&#xa0;: ne débranchez pas l’alimentation avant la fin de la mise à j
     </message>
 </context>
 <context>
+    <name>KCMain</name>
+    <message>
+        <source>Upgrade UI</source>
+        <translation>Interface de mise à jour</translation>
+    </message>
+</context>
+<context>
     <name>KCProgressBar</name>
     <message>
         <source>Progress: %1%</source>

@@ -17,6 +17,13 @@ Note: Do not unplug AC power until the upgrade is complete.</source>
     </message>
 </context>
 <context>
+    <name>KCMain</name>
+    <message>
+        <source>Upgrade UI</source>
+        <translation>升级界面</translation>
+    </message>
+</context>
+<context>
     <name>KCProgressBar</name>
     <message>
         <source>Progress: %1%</source>

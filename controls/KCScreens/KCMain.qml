@@ -9,7 +9,7 @@ Window {
     width: Screen.width
     height: Screen.height
     visible: false
-    title: "Upgrade UI"
+    title: qsTr("Upgrade UI")
 
     // A window that bypasses the window manager gets the keyboard only on request, and only once it is on the display.
     onVisibleChanged: if (visible) Qt.callLater(requestActivate)
