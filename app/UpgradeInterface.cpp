@@ -10,33 +10,28 @@
 
 #include <utility>
 
-UpgradeInterface::UpgradeInterface(PowerFacts powerFacts) : m_powerFacts(std::move(powerFacts)) {}
+UpgradeInterface::UpgradeInterface(std::vector<std::string> systemFeatures,
+                                   std::shared_ptr<ACPowerProperty> acConnected)
+    : m_systemFeatures(std::move(systemFeatures)), m_acConnected(std::move(acConnected)) {}
 
 UpgradeInterface::~UpgradeInterface() = default;
 
-bool UpgradeInterface::hasBattery() const { return m_powerFacts.hasBattery(); }
+bool UpgradeInterface::hasBattery() const { return hasFeature(m_systemFeatures, "Battery"); }
 
-bool UpgradeInterface::isACConnected() const { return m_powerFacts.isACConnected(); }
+bool UpgradeInterface::isACConnected() const { return !m_acConnected || m_acConnected->getValue(); }
 
-namespace {
-
-std::shared_ptr<WindowsUpgradeInterface> createLink(PowerFacts powerFacts) {
-    return std::make_shared<WindowsUpgradeInterface>(std::make_shared<WindowsUpgradePlatform>(),
-                                                     std::move(powerFacts));
+std::shared_ptr<UpgradeInterface> createUpgradeInterface() {
+    return std::make_shared<WindowsUpgradeInterface>(std::make_shared<WindowsUpgradePlatform>());
 }
-
-} // namespace
-
-std::shared_ptr<UpgradeInterface> createUpgradeInterface() { return createLink({}); }
 
 std::shared_ptr<UpgradeInterface> createUpgradeInterface(const std::shared_ptr<PICLServerAgent>& agent,
                                                          const std::shared_ptr<PropertyManager>& manager) {
-    const bool hasBattery = hasFeature(readSystemFeatures(), "Battery");
+    std::vector<std::string> systemFeatures = readSystemFeatures();
     const auto acConnected = makeExternalProperty<BoolProperty>(
         true, agent, manager, vocabulary::components::kFirmwareDriver, vocabulary::groups::kBattery,
         vocabulary::properties::kBatteryACConnected);
-    auto link = createLink({.hasBattery = [hasBattery] { return hasBattery; },
-                            .isACConnected = [acConnected] { return acConnected->getValue(); }});
+    auto link = std::make_shared<WindowsUpgradeInterface>(std::make_shared<WindowsUpgradePlatform>(),
+                                                          std::move(systemFeatures), acConnected);
     acConnected->addListener([weak = std::weak_ptr(link)](const std::shared_ptr<Property>& changed) {
         if (const std::shared_ptr<WindowsUpgradeInterface> alive = weak.lock())
             alive->handleACPower(static_cast<const BoolProperty&>(*changed).getValue());

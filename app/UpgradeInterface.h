@@ -6,16 +6,13 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
+class BoolProperty;
 class PICLServerAgent;
 class PropertyManager;
-
-/// The two facts about the printer that the link adds to what the upgrader says. Safe to call from any
-/// thread. By themselves they describe a printer without a battery, on AC power.
-struct PowerFacts {
-    std::function<bool()> hasBattery = [] { return false; };
-    std::function<bool()> isACConnected = [] { return true; };
-};
+template <typename T, typename V>
+class ExternalAppProperty;
 
 /// The link to the upgrader: it reports what the upgrader does through handlers, and takes the user's
 /// decisions.
@@ -30,6 +27,7 @@ public:
     using InfoHandler = std::function<void(std::string version, std::string deviceName, std::string region)>;
     using PackageSizeHandler = std::function<void(std::uint32_t bytes)>;
     using RepairAvailableHandler = std::function<void(bool available)>;
+    using ACPowerProperty = ExternalAppProperty<BoolProperty, bool>;
 
     UpgradeInterface(const UpgradeInterface&) = delete;
     UpgradeInterface& operator=(const UpgradeInterface&) = delete;
@@ -56,17 +54,20 @@ public:
     /// step it only ends the listening. Thread: any. Blocks for one step.
     virtual void stop() = 0;
 
-    /// Returns whether this printer can run on a battery. Thread: any.
+    /// Returns whether the feature list contains "Battery". Thread-safe.
     [[nodiscard]] bool hasBattery() const;
 
-    /// Returns whether this printer is on AC power. Asked only of one with a battery. Thread: any.
+    /// Returns whether the printer is on AC power; true without a property. Thread-safe.
     [[nodiscard]] bool isACConnected() const;
 
 protected:
-    explicit UpgradeInterface(PowerFacts powerFacts);
+    /// @p acConnected may be empty.
+    explicit UpgradeInterface(std::vector<std::string> systemFeatures = {},
+                              std::shared_ptr<ACPowerProperty> acConnected = nullptr);
 
 private:
-    PowerFacts m_powerFacts;
+    const std::vector<std::string> m_systemFeatures;
+    const std::shared_ptr<ACPowerProperty> m_acConnected;
 };
 
 /// Returns the link over the named objects of the operating system, built in any case: where an object cannot

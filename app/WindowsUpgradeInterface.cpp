@@ -30,8 +30,11 @@ struct Info {
 } // namespace
 
 WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform,
-                                                 PowerFacts powerFacts)
-    : UpgradeInterface(std::move(powerFacts)), m_platform(std::move(platform)), m_record(nullptr) {
+                                                 std::vector<std::string> systemFeatures,
+                                                 std::shared_ptr<ACPowerProperty> acConnected)
+    : UpgradeInterface(std::move(systemFeatures), std::move(acConnected)),
+      m_platform(std::move(platform)),
+      m_record(nullptr) {
     using enum UpgradeEvent;
     for (const UpgradeEvent event : {UiEvent, ComEvent, UiAck, RequestClose, StartConfirm})
         m_platform->openEvent(event);

@@ -24,7 +24,9 @@ class WindowsUpgradeInterface final : public UpgradeInterface,
                                       public std::enable_shared_from_this<WindowsUpgradeInterface> {
 public:
     /// Opens the objects of @p platform and clears `uiCommand`. Thread: the first.
-    explicit WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform, PowerFacts powerFacts = {});
+    explicit WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform,
+                                     std::vector<std::string> systemFeatures = {},
+                                     std::shared_ptr<ACPowerProperty> acConnected = nullptr);
     ~WindowsUpgradeInterface() override;
 
     void start() override;

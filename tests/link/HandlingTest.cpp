@@ -109,18 +109,17 @@ TEST(Handling, AFoundFileDependsOnTheDisplay) {
 
 TEST(Handling, OnlyABatteryPrinterWithoutAcPowerAsksForIt) {
     struct {
-        bool battery;
+        std::vector<std::string> features;
         bool acConnected;
         const char* handling;
-    } const kRows[] = {{false, false, "display 0"},
-                       {false, true, "display 0"},
-                       {true, true, "display 0"},
-                       {true, false, "display 11"}};
+    } const kRows[] = {{{"Cutter"}, false, "display 0"},
+                       {{}, true, "display 0"},
+                       {{"Battery"}, true, "display 0"},
+                       {{"Cutter", "Battery"}, false, "display 11"}};
     for (const auto& row : kRows) {
-        ScriptedLink scripted({.hasBattery = [&row] { return row.battery; },
-                               .isACConnected = [&row] { return row.acConnected; }});
-        EXPECT_EQ(scripted.take({4}), row.handling) << row.battery << row.acConnected;
-        if (row.battery && !row.acConnected) {
+        ScriptedLink scripted(row.features, row.acConnected);
+        EXPECT_EQ(scripted.take({4}), row.handling) << row.features.size() << row.acConnected;
+        if (row.features.size() == 2) {
             EXPECT_EQ(scripted.act(ActionClose), "command 2");
             EXPECT_EQ(scripted.take({4}), "display 0");
         }
@@ -129,7 +128,7 @@ TEST(Handling, OnlyABatteryPrinterWithoutAcPowerAsksForIt) {
 
 TEST(Handling, AcPowerLeadsOnWhoWasAskedForItAndNobodyElse) {
     for (unsigned code = 0; code <= 35; ++code) {
-        ScriptedLink scripted({.hasBattery = [] { return true; }, .isACConnected = [] { return false; }});
+        ScriptedLink scripted({"Battery"}, false);
         scripted.take({static_cast<std::uint8_t>(code)});
         scripted.link->handleACPower(false);
         EXPECT_EQ(scripted.platform->takeNotes(), "") << code;

@@ -1,6 +1,10 @@
 #include "tests/link/ScriptedPlatform.h"
 
 #include "app/WindowsUpgradeInterface.h"
+#include "platform/ThreadFactory.h"
+#include "property/BoolProperty.h"
+#include "property/ExternalAppProperty.h"
+#include "property/PropertyVocabulary.h"
 
 #include "tests/support/DeviceRootTest.h"
 
@@ -95,8 +99,21 @@ std::string ScriptedPlatform::takeNotes() {
     return joined;
 }
 
-ScriptedLink::ScriptedLink(PowerFacts powerFacts) {
-    link = std::make_shared<WindowsUpgradeInterface>(platform, std::move(powerFacts));
+namespace {
+
+std::shared_ptr<UpgradeInterface::ACPowerProperty> acPower(bool connected) {
+    const auto manager = std::make_shared<PropertyManager>(std::make_shared<ThreadFactory>(kThreadPriority),
+                                                           kThreadPriority, kThreadPriority, L"", L"");
+    return makeExternalProperty<BoolProperty>(
+        connected, nullptr, manager, vocabulary::components::kFirmwareDriver, vocabulary::groups::kBattery,
+        vocabulary::properties::kBatteryACConnected);
+}
+
+} // namespace
+
+ScriptedLink::ScriptedLink(std::vector<std::string> systemFeatures, bool acConnected) {
+    link = std::make_shared<WindowsUpgradeInterface>(platform, std::move(systemFeatures),
+                                                     acConnected ? nullptr : acPower(false));
     auto number = [this](const char* what) {
         return
             [this, what](auto value) { platform->note(what + std::to_string(static_cast<unsigned>(value))); };

@@ -59,7 +59,7 @@ private:
 /// A link over a scripted platform, with handlers that write down their calls there: "display 5", "progress
 /// 7", "printer a/b/c", "package a/b/c", "size 77", "repair 1".
 struct ScriptedLink {
-    explicit ScriptedLink(PowerFacts powerFacts = {});
+    explicit ScriptedLink(std::vector<std::string> systemFeatures = {}, bool acConnected = true);
 
     /// Sends @p codes on one signal. Returns what the link did.
     std::string take(const std::vector<std::uint8_t>& codes);

@@ -8,8 +8,6 @@
 /// A link whose handlers a test calls itself, and which writes down the user's actions.
 class FakeLink final : public UpgradeInterface {
 public:
-    FakeLink() : UpgradeInterface({}) {}
-
     void start() override { started = true; }
     void sendUserAction(UserAction action) override { actions.push_back(action); }
     void setDisplayHandler(DisplayHandler handler) override { set(display, std::move(handler)); }
