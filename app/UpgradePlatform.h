@@ -42,8 +42,9 @@ public:
     /// this object. Thread: the first.
     virtual UpgradeSharedRecord* openRecord() = 0;
 
-    /// Makes or opens the mutex that guards the record, not owned. Thread: the first.
-    virtual void openMutex() = 0;
+    /// Makes or opens the mutex that guards the record, not owned. Returns false if that fails. Thread: the
+    /// first.
+    [[nodiscard]] virtual bool openMutex() = 0;
 
     /// Waits, without limit, until one of the first three events is set, and resets it; the first in their
     /// order if several are. Returns nothing when endWait() was called or the wait failed: then no later wait

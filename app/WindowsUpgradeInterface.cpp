@@ -41,7 +41,8 @@ WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform
     m_record = m_platform->openRecord();
     if (m_record != nullptr)
         m_record->uiCommand = 0; // the one access without the mutex, which comes last
-    m_platform->openMutex();
+    if (!m_platform->openMutex())
+        m_record = nullptr;
 }
 
 WindowsUpgradeInterface::~WindowsUpgradeInterface() {
@@ -271,7 +272,9 @@ void WindowsUpgradeInterface::dismiss() {
 }
 
 void WindowsUpgradeInterface::send(std::uint8_t command) {
-    if (m_record != nullptr) {
+    if (m_record == nullptr)
+        return;
+    {
         const std::scoped_lock guard(*m_platform);
         m_record->uiCommand = command;
     }

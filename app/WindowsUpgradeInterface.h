@@ -67,7 +67,7 @@ private:
     auto readRecord(Read read);
 
     std::shared_ptr<UpgradePlatform> m_platform;
-    UpgradeSharedRecord* m_record; // guarded by the mutex of m_platform; null if it could not be mapped
+    UpgradeSharedRecord* m_record; // guarded by the mutex of m_platform; null without record or mutex
     std::uint8_t m_readIndex = 0;  // the listener's own
     std::thread m_listener;
 

@@ -23,7 +23,7 @@ UpgradeSharedRecord* WindowsUpgradePlatform::openRecord() {
     return static_cast<UpgradeSharedRecord*>(m_record->data());
 }
 
-void WindowsUpgradePlatform::openMutex() { m_mutex.emplace(kUpgradeMutexName); }
+bool WindowsUpgradePlatform::openMutex() { return !m_mutex.emplace(kUpgradeMutexName).failure(); }
 
 std::optional<UpgradeEvent> WindowsUpgradePlatform::waitForEvent() {
     const os::EventWaiter::Result result = m_waiter.wait();
@@ -36,12 +36,6 @@ void WindowsUpgradePlatform::endWait() { m_waiter.end(); }
 
 void WindowsUpgradePlatform::setEvent(UpgradeEvent event) { m_events[indexOf(event)].set(); }
 
-void WindowsUpgradePlatform::lock() {
-    if (m_mutex)
-        m_mutex->lock();
-}
+void WindowsUpgradePlatform::lock() { m_mutex->lock(); }
 
-void WindowsUpgradePlatform::unlock() {
-    if (m_mutex)
-        m_mutex->unlock();
-}
+void WindowsUpgradePlatform::unlock() { m_mutex->unlock(); }

@@ -14,7 +14,7 @@ class WindowsUpgradePlatform final : public UpgradePlatform {
 public:
     void openEvent(UpgradeEvent event) override;
     UpgradeSharedRecord* openRecord() override;
-    void openMutex() override;
+    bool openMutex() override;
     std::optional<UpgradeEvent> waitForEvent() override;
     void endWait() override;
     void setEvent(UpgradeEvent event) override;

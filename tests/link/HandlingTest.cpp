@@ -242,17 +242,21 @@ TEST(Handling, ObjectsAreOpenedInOrderAndTheCommandIsCleared) {
               R"(open Global\UPGRADE_SHARED_MEMORY, open Global\UPGRADE_SHMEM_MUTEX uiCommand 0)");
 }
 
-TEST(Handling, WithoutRecordOrHandlersTheLinkStaysQuiet) {
-    auto platform = std::make_shared<ScriptedPlatform>();
-    platform->recordCanBeOpened = false;
-    const auto link = std::make_shared<WindowsUpgradeInterface>(platform);
-    link->start();
-    platform->queue({16});
-    platform->takeNotes();
-    ASSERT_TRUE(platform->signal(UpgradeEvent::UiEvent));
-    ASSERT_TRUE(platform->signal(UpgradeEvent::RequestClose));
-    link->sendUserAction(ActionReboot);
-    EXPECT_EQ(platform->takeNotes(), "acknowledge, command 0");
+TEST(Handling, WithoutRecordOrMutexTheLinkOnlyAcknowledges) {
+    for (const bool hasRecord : {false, true}) {
+        auto platform = std::make_shared<ScriptedPlatform>();
+        platform->recordCanBeOpened = hasRecord;
+        platform->mutexCanBeOpened = !hasRecord;
+        const auto link = std::make_shared<WindowsUpgradeInterface>(platform);
+        link->setDisplayHandler([&](UpgradeDisplay) { platform->note("display"); });
+        link->start();
+        platform->queue({16});
+        platform->takeNotes();
+        ASSERT_TRUE(platform->signal(UpgradeEvent::UiEvent));
+        ASSERT_TRUE(platform->signal(UpgradeEvent::RequestClose));
+        link->sendUserAction(ActionReboot);
+        EXPECT_EQ(platform->takeNotes(), "display, acknowledge") << "record: " << hasRecord;
+    }
 }
 
 TEST(Handling, TheLastReferenceCanBeDroppedOnTheListenerItself) {

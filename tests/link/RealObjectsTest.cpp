@@ -112,6 +112,16 @@ TEST_F(RealObjects, WithoutAnyEventTheLinkIsSilentAndEnds) {
     EXPECT_TRUE(displays().empty());
 }
 
+TEST_F(RealObjects, AMutexThatCannotBeOpenedCountsAsAnAbsentRecord) {
+    startUpgrader();
+    const std::filesystem::path mutex = objectFile(kUpgradeMutexName);
+    std::filesystem::remove(mutex);
+    std::filesystem::create_directory(mutex);
+    startApplication();
+    application->sendUserAction(UserAction::ActionReboot);
+    EXPECT_FALSE(upgrader->awaitReply(0ms));
+}
+
 TEST_F(RealObjects, LinksComeAndGoUnderFire) {
     startUpgrader();
     for (int round = 0; round < 100; ++round) {

@@ -15,8 +15,9 @@ UpgradeSharedRecord* ScriptedPlatform::openRecord() {
     return recordCanBeOpened ? &record : nullptr;
 }
 
-void ScriptedPlatform::openMutex() {
+bool ScriptedPlatform::openMutex() {
     note("open " + std::string(kUpgradeMutexName) + " uiCommand " + std::to_string(record.uiCommand));
+    return mutexCanBeOpened;
 }
 
 std::optional<UpgradeEvent> ScriptedPlatform::waitForEvent() {

@@ -17,7 +17,7 @@ class ScriptedPlatform final : public UpgradePlatform {
 public:
     void openEvent(UpgradeEvent event) override;
     UpgradeSharedRecord* openRecord() override;
-    void openMutex() override;
+    bool openMutex() override;
     std::optional<UpgradeEvent> waitForEvent() override;
     void endWait() override;
     void setEvent(UpgradeEvent event) override;
@@ -45,6 +45,7 @@ public:
 
     UpgradeSharedRecord record{};
     bool recordCanBeOpened = true;
+    bool mutexCanBeOpened = true;
 
 private:
     mutable std::mutex m_lock; // guards all that follows
