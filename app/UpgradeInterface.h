@@ -37,8 +37,9 @@ public:
     /// first.
     virtual void start() = 0;
 
-    /// Carries out what the user decided. Blocks while another step is handled or the upgrader holds the
-    /// record. Thread: any; handlers run on it.
+    /// Carries out what the user decided. Blocks while another step is handled and, to send a command, while
+    /// the upgrader holds the mutex of the record: without limit, during the exit for at most 2 s, after
+    /// which the command is not sent. Thread-safe; handlers run on the calling thread.
     virtual void sendUserAction(UserAction action) = 0;
 
     /// Requires: called before start(). Thread: the first. The same goes for the five that follow.
@@ -51,7 +52,8 @@ public:
 
     /// Ends the listening for good and waits until the step under way is done, its acknowledgement included:
     /// a program that is about to end calls it, so that the end does not overtake the answer. From inside a
-    /// step it only ends the listening. Thread: any. Blocks for one step.
+    /// step it only ends the listening. Thread: any. Blocks for one step; the wait for the mutex of the
+    /// record ends after 2 s.
     virtual void stop() = 0;
 
     /// Returns whether the feature list contains "Battery". Thread-safe.

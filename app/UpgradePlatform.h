@@ -57,7 +57,12 @@ public:
     /// Thread: any.
     virtual void setEvent(UpgradeEvent event) = 0;
 
-    /// Locks the mutex of the record; not recursive. Blocks without limit. Thread: any.
-    virtual void lock() = 0;
+    /// Locks the mutex of the record; not recursive. Blocks until the mutex is free, but after beginExit()
+    /// for at most 2 s from that call; returns false and logs if the mutex is not free by then. Requires:
+    /// openMutex() returned true. Thread-safe.
+    [[nodiscard]] virtual bool lock() = 0;
     virtual void unlock() = 0;
+
+    /// Limits the waits in lock(), also those in progress. Only the first call counts. Thread-safe.
+    virtual void beginExit() = 0;
 };

@@ -21,12 +21,6 @@ void call(const Handler& handler, Arguments&&... arguments) {
         handler(std::forward<Arguments>(arguments)...);
 }
 
-struct Info {
-    std::string version;
-    std::string deviceName;
-    std::string region;
-};
-
 } // namespace
 
 WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform,
@@ -52,6 +46,7 @@ WindowsUpgradeInterface::~WindowsUpgradeInterface() {
 }
 
 void WindowsUpgradeInterface::stop() {
+    m_platform->beginExit();
     m_platform->endWait();
     if (m_listener.joinable() && m_listener.get_id() != std::this_thread::get_id())
         m_listener.join();
@@ -116,52 +111,51 @@ void WindowsUpgradeInterface::handleEvent(UpgradeEvent event) {
     }
 }
 
-template <typename Read>
-auto WindowsUpgradeInterface::readRecord(Read read) {
-    const std::scoped_lock guard(*m_platform);
-    return read(std::as_const(*m_record));
+// Waits for the mutex, so it is never called under m_stepLock.
+std::optional<UpgradeSharedRecord> WindowsUpgradeInterface::readRecord() {
+    if (m_record == nullptr || !m_platform->lock())
+        return {};
+    const UpgradeSharedRecord record = *m_record;
+    m_platform->unlock();
+    return record;
 }
 
 void WindowsUpgradeInterface::takeCodes() {
-    if (m_record == nullptr)
+    // The number of codes is fixed here; later codes wait for the next signal.
+    const std::optional<UpgradeSharedRecord> record = readRecord();
+    if (!record || record->writeIndex >= kRingSlots)
         return;
-    // One look for the whole step: what is written from here on waits for the next signal.
-    const auto [writeIndex, ring] =
-        readRecord([](const auto& record) { return std::pair(record.writeIndex, record.messageRing); });
-    if (writeIndex >= kRingSlots)
-        return; // no slot of the ring: whoever wrote that did not mean it
-    while (m_readIndex != writeIndex) {
-        takeCode(ring[m_readIndex]);
+    while (m_readIndex != record->writeIndex) {
+        const std::uint8_t code = record->messageRing[m_readIndex];
+        const bool hasPayload = messageRule(code).payload != MessagePayload::None;
+        const std::optional<UpgradeSharedRecord> current = hasPayload ? readRecord() : record;
+        if (!current)
+            return;
+        takeCode(code, *current);
         m_readIndex = static_cast<std::uint8_t>((m_readIndex + 1) % kRingSlots);
     }
 }
 
-void WindowsUpgradeInterface::takeCode(std::uint8_t code) {
+void WindowsUpgradeInterface::takeCode(std::uint8_t code, const UpgradeSharedRecord& payload) {
     const KeltoGuard step(m_stepLock);
-    deliverPayload(messageRule(code));
+    deliverPayload(messageRule(code).payload, payload);
     handleMessage(code);
 }
 
-void WindowsUpgradeInterface::deliverPayload(const MessageRule& rule) {
-    switch (rule.payload) {
+void WindowsUpgradeInterface::deliverPayload(MessagePayload kind, const UpgradeSharedRecord& record) {
+    switch (kind) {
     case MessagePayload::None:
         break;
-    case MessagePayload::PrinterInfo: {
-        auto [version, deviceName, region] = readRecord([](const auto& r) {
-            return Info{textOf(r.printerVersion), textOf(r.printerDeviceName), textOf(r.printerRegion)};
-        });
-        call(m_printerInfoHandler, std::move(version), std::move(deviceName), std::move(region));
+    case MessagePayload::PrinterInfo:
+        call(m_printerInfoHandler, textOf(record.printerVersion), textOf(record.printerDeviceName),
+             textOf(record.printerRegion));
         break;
-    }
-    case MessagePayload::PackageInfo: {
-        auto [version, deviceName, region] = readRecord([](const auto& r) {
-            return Info{textOf(r.packageVersion), textOf(r.packageDeviceName), textOf(r.packageRegion)};
-        });
-        call(m_packageInfoHandler, std::move(version), std::move(deviceName), std::move(region));
+    case MessagePayload::PackageInfo:
+        call(m_packageInfoHandler, textOf(record.packageVersion), textOf(record.packageDeviceName),
+             textOf(record.packageRegion));
         break;
-    }
     case MessagePayload::PackageSize:
-        call(m_packageSizeHandler, readRecord([](const auto& record) { return record.packageSize; }));
+        call(m_packageSizeHandler, record.packageSize);
         break;
     }
 }
@@ -251,6 +245,7 @@ void WindowsUpgradeInterface::sendUserAction(UserAction action) {
         send(CommandProceed);
         break;
     case UserAction::ActionUiExiting:
+        m_platform->beginExit();
         send(CommandUiExiting);
         break;
     }
@@ -272,12 +267,10 @@ void WindowsUpgradeInterface::dismiss() {
 }
 
 void WindowsUpgradeInterface::send(std::uint8_t command) {
-    if (m_record == nullptr)
+    if (m_record == nullptr || !m_platform->lock())
         return;
-    {
-        const std::scoped_lock guard(*m_platform);
-        m_record->uiCommand = command;
-    }
+    m_record->uiCommand = command;
+    m_platform->unlock();
     m_platform->setEvent(UpgradeEvent::ComEvent);
 }
 

@@ -6,16 +6,19 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 struct UpgradeSharedRecord;
-struct MessageRule;
+enum class MessagePayload : std::uint8_t;
 
 /// The link over the shared record and its events: the ring, the display machine, the commands.
 ///
 /// A thread of its own listens. Each handling step, with all that it announces, runs under m_stepLock, so
-/// that steps and announcements of several threads never interleave. The mutex of the record is taken inside
-/// a step for one group of reads or writes at a time, and never held across a handler.
+/// that steps and announcements of several threads never interleave. The mutex of the record is never held
+/// across a handler: the listener reads a code and its payload before the step, a command is one write.
 ///
 /// Reached only through a shared pointer. The listener holds the link weakly while it waits, so the last
 /// reference can be dropped anywhere: on the listener itself it lets the thread go, elsewhere it ends and
@@ -50,11 +53,11 @@ private:
 
     void handleEvent(UpgradeEvent event);
     void takeCodes();
-    void takeCode(std::uint8_t code);
+    void takeCode(std::uint8_t code, const UpgradeSharedRecord& payload);
     void handleMessage(std::uint8_t code);
     void handleFileFound() KELTO_REQUIRES(m_stepLock);
 
-    void deliverPayload(const MessageRule& rule);
+    void deliverPayload(MessagePayload kind, const UpgradeSharedRecord& record) KELTO_REQUIRES(m_stepLock);
     void upgrade() KELTO_REQUIRES(m_stepLock);
     void dismiss() KELTO_REQUIRES(m_stepLock);
     void send(std::uint8_t command);
@@ -63,8 +66,7 @@ private:
     void reportProgress(UpgradeProgressMsg stage);
     void reportRepairAvailable(bool available);
 
-    template <typename Read>
-    auto readRecord(Read read);
+    [[nodiscard]] std::optional<UpgradeSharedRecord> readRecord();
 
     std::shared_ptr<UpgradePlatform> m_platform;
     UpgradeSharedRecord* m_record; // guarded by the mutex of m_platform; null without record or mutex

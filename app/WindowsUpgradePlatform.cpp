@@ -2,9 +2,14 @@
 
 #include "app/UpgradeSharedRecord.h"
 
+#include <iostream>
+#include <thread>
+
 namespace {
 
 constexpr std::size_t kWaitedEvents = 3;
+constexpr std::chrono::seconds kLockTimeoutAtExit{2};
+constexpr std::chrono::milliseconds kLockRetryInterval{2};
 
 std::size_t indexOf(UpgradeEvent event) { return static_cast<std::size_t>(event); }
 
@@ -36,6 +41,22 @@ void WindowsUpgradePlatform::endWait() { m_waiter.end(); }
 
 void WindowsUpgradePlatform::setEvent(UpgradeEvent event) { m_events[indexOf(event)].set(); }
 
-void WindowsUpgradePlatform::lock() { m_mutex->lock(); }
+// A blocking lock of the file could not be ended at exit, hence the retries.
+bool WindowsUpgradePlatform::lock() {
+    while (!m_mutex->tryLock()) {
+        if (Clock::now() >= m_lockDeadline.load()) {
+            std::cerr << "UpgradeUI: another process holds \"" << kUpgradeMutexName
+                      << "\"; exiting without access to the shared record\n";
+            return false;
+        }
+        std::this_thread::sleep_for(kLockRetryInterval);
+    }
+    return true;
+}
 
 void WindowsUpgradePlatform::unlock() { m_mutex->unlock(); }
+
+void WindowsUpgradePlatform::beginExit() {
+    Clock::time_point unlimited = Clock::time_point::max();
+    m_lockDeadline.compare_exchange_strong(unlimited, Clock::now() + kLockTimeoutAtExit);
+}

@@ -7,6 +7,8 @@
 #include "platform/os/NamedMutex.h"
 
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <optional>
 
 /// The link's objects as named objects of the operating system.
@@ -18,12 +20,16 @@ public:
     std::optional<UpgradeEvent> waitForEvent() override;
     void endWait() override;
     void setEvent(UpgradeEvent event) override;
-    void lock() override;
+    bool lock() override;
     void unlock() override;
+    void beginExit() override;
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     std::array<os::NamedEvent, kUpgradeEvents> m_events;
     std::optional<os::NamedMemory> m_record;
     std::optional<os::NamedMutex> m_mutex;
+    std::atomic<Clock::time_point> m_lockDeadline = Clock::time_point::max();
     os::EventWaiter m_waiter;
 };

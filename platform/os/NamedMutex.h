@@ -23,6 +23,10 @@ public:
     /// Blocks until the mutex is free, without limit. Thread: any that does not hold it.
     void lock();
 
+    /// Locks the mutex if it is free and returns whether it did. Does not block. Requires: the mutex is
+    /// present and not held by this thread.
+    [[nodiscard]] bool tryLock();
+
     /// Thread: the one that holds it.
     void unlock();
 

@@ -259,6 +259,23 @@ TEST(Handling, WithoutRecordOrMutexTheLinkOnlyAcknowledges) {
     }
 }
 
+TEST(Handling, AMutexThatIsKeptDelaysNoStepThatNeedsNoRecord) {
+    ScriptedLink scripted;
+    ScriptedPlatform* platform = scripted.platform.get();
+    scripted.link->setProgressHandler([platform](UpgradeProgressMsg) { platform->keepMutex(true); });
+    platform->queue({7, 30});
+    platform->raise(UpgradeEvent::UiEvent);
+    ASSERT_TRUE(eventually([platform] { return platform->isMutexAwaited(); })) << "for the texts of code 30";
+    platform->takeNotes();
+    std::thread user([&scripted] { scripted.link->sendUserAction(ActionOkNoReboot); });
+    std::string notes;
+    EXPECT_TRUE(eventually([&] { return (notes += platform->takeNotes()) == "display 12"; })) << notes;
+    platform->keepMutex(false);
+    user.join();
+    EXPECT_TRUE(eventually([&] { return (notes += platform->takeNotes()) == "display 12printer //"; }))
+        << notes;
+}
+
 TEST(Handling, TheLastReferenceCanBeDroppedOnTheListenerItself) {
     ScriptedLink scripted;
     const std::shared_ptr<ScriptedPlatform> platform = scripted.platform;

@@ -1,6 +1,8 @@
 #include "app/UpgradeInterface.h"
 #include "app/UpgradeMessage.h"
 
+#include "platform/os/NamedMutex.h"
+
 #include "tests/support/DeviceRootTest.h"
 #include "tools/upgrader/UpgraderLink.h"
 
@@ -120,6 +122,23 @@ TEST_F(RealObjects, AMutexThatCannotBeOpenedCountsAsAnAbsentRecord) {
     startApplication();
     application->sendUserAction(UserAction::ActionReboot);
     EXPECT_FALSE(upgrader->awaitReply(0ms));
+}
+
+TEST_F(RealObjects, AMutexThatIsKeptDelaysTheExitNoLongerThanItsLimit) {
+    startUpgrader();
+    startApplication();
+    ASSERT_TRUE(upgrader->send(MsgCompletedNoReboot, kDeadline));
+    ASSERT_TRUE(shows({10}));
+    os::NamedMutex kept(kUpgradeMutexName);
+    ::testing::internal::CaptureStderr();
+    kept.lock();
+    upgrader->signalCodes(); // the listener, too, waits for the mutex
+    application->sendUserAction(UserAction::ActionUiExiting);
+    application->stop();
+    EXPECT_NE(::testing::internal::GetCapturedStderr().find("exiting without access to the shared record"),
+              std::string::npos);
+    kept.unlock();
+    EXPECT_FALSE(upgrader->awaitReply(0ms)) << "no command without the mutex";
 }
 
 TEST_F(RealObjects, LinksComeAndGoUnderFire) {

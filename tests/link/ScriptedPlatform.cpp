@@ -56,16 +56,30 @@ void ScriptedPlatform::setEvent(UpgradeEvent event) {
         note("command " + std::to_string(record.uiCommand));
 }
 
-void ScriptedPlatform::lock() {
-    const std::scoped_lock guard(m_lock);
-    if (m_mutexHeld)
-        m_notes.emplace_back("locked twice");
+bool ScriptedPlatform::lock() {
+    std::unique_lock guard(m_lock);
+    m_mutexAwaited = m_mutexKept;
+    m_changed.wait(guard, [this] { return !m_mutexKept && !m_mutexHeld; });
+    m_mutexAwaited = false;
     m_mutexHeld = true;
+    return true;
 }
 
 void ScriptedPlatform::unlock() {
     const std::scoped_lock guard(m_lock);
     m_mutexHeld = false;
+    m_changed.notify_all();
+}
+
+void ScriptedPlatform::keepMutex(bool keep) {
+    const std::scoped_lock guard(m_lock);
+    m_mutexKept = keep;
+    m_changed.notify_all();
+}
+
+bool ScriptedPlatform::isMutexAwaited() const {
+    const std::scoped_lock guard(m_lock);
+    return m_mutexAwaited;
 }
 
 void ScriptedPlatform::raise(UpgradeEvent event) {

@@ -21,8 +21,9 @@ public:
     std::optional<UpgradeEvent> waitForEvent() override;
     void endWait() override;
     void setEvent(UpgradeEvent event) override;
-    void lock() override;
+    bool lock() override;
     void unlock() override;
+    void beginExit() override {}
 
     /// Hands @p event to the listener.
     void raise(UpgradeEvent event);
@@ -40,6 +41,12 @@ public:
     /// Returns the lines so far, joined with ", ", and forgets them.
     std::string takeNotes();
 
+    /// Locks the mutex as another process does, or unlocks it.
+    void keepMutex(bool keep);
+
+    /// Returns whether a thread waits for the mutex.
+    [[nodiscard]] bool isMutexAwaited() const;
+
     [[nodiscard]] bool waitIsToEnd() const;
     [[nodiscard]] bool waitHasEnded() const;
 
@@ -54,6 +61,8 @@ private:
     bool m_waiting = false;
     bool m_ended = false;
     bool m_mutexHeld = false;
+    bool m_mutexKept = false;
+    bool m_mutexAwaited = false;
     std::vector<std::string> m_notes;
 };
 

@@ -14,6 +14,15 @@ void NamedMutex::lock() {
     retried([&] { return ::flock(m_file.value(), LOCK_EX); });
 }
 
+bool NamedMutex::tryLock() {
+    if (!m_inProcess.try_lock())
+        return false;
+    if (retried([&] { return ::flock(m_file.value(), LOCK_EX | LOCK_NB); }) == 0)
+        return true;
+    m_inProcess.unlock();
+    return false;
+}
+
 void NamedMutex::unlock() {
     retried([&] { return ::flock(m_file.value(), LOCK_UN); });
     m_inProcess.unlock();
