@@ -33,8 +33,8 @@ public:
     UpgradeInterface& operator=(const UpgradeInterface&) = delete;
     virtual ~UpgradeInterface();
 
-    /// Begins to listen to the upgrader. Requires: the handlers are set; nothing is read before. Thread: the
-    /// first.
+    /// Starts to listen to the upgrader. If the thread for that cannot be created, logs that and listens to
+    /// nothing. Requires: the handlers are set; nothing is read before. Thread: the first.
     virtual void start() = 0;
 
     /// Carries out what the user decided. Blocks while another step is handled and, to send a command, while
@@ -51,9 +51,9 @@ public:
     virtual void setRepairAvailableHandler(RepairAvailableHandler handler) = 0;
 
     /// Ends the listening for good and waits until the step under way is done, its acknowledgement included:
-    /// a program that is about to end calls it, so that the end does not overtake the answer. From inside a
-    /// step it only ends the listening. Thread: any. Blocks for one step; the wait for the mutex of the
-    /// record ends after 2 s.
+    /// a program that is about to end calls it, so that the end does not overtake the answer. Inside a
+    /// step, on any thread, it only ends the listening. Thread: any. Blocks for one step; the wait for the
+    /// mutex of the record ends after 2 s.
     virtual void stop() = 0;
 
     /// Returns whether the feature list contains "Battery". Thread-safe.

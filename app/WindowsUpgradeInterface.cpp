@@ -4,8 +4,9 @@
 #include "app/UpgradeSharedRecord.h"
 
 #include <cstring>
-#include <mutex>
+#include <iostream>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -22,6 +23,23 @@ void call(const Handler& handler, Arguments&&... arguments) {
 }
 
 } // namespace
+
+/// One handling step: holds m_stepLock and keeps the link alive. Steps of one thread can be nested.
+class KELTO_SCOPED_CAPABILITY WindowsUpgradeInterface::Step {
+public:
+    explicit Step(WindowsUpgradeInterface& link) KELTO_ACQUIRE(link.m_stepLock)
+        : m_link(link.shared_from_this()), m_guard(link.m_stepLock) {
+        ++m_link->m_stepDepth;
+    }
+    ~Step() KELTO_RELEASE() { --m_link->m_stepDepth; }
+
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+
+private:
+    const std::shared_ptr<WindowsUpgradeInterface> m_link; // dropped after m_guard has released the lock
+    const KeltoGuard m_guard;
+};
 
 WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform,
                                                  std::vector<std::string> systemFeatures,
@@ -48,13 +66,26 @@ WindowsUpgradeInterface::~WindowsUpgradeInterface() {
 void WindowsUpgradeInterface::stop() {
     m_platform->beginExit();
     m_platform->endWait();
-    if (m_listener.joinable() && m_listener.get_id() != std::this_thread::get_id())
+    const bool isListener = m_listener.get_id() == std::this_thread::get_id();
+    if (m_listener.joinable() && !isListener && !isInStep())
         m_listener.join();
 }
 
+// Of a step on another thread only the end is seen here.
+bool WindowsUpgradeInterface::isInStep() {
+    const KeltoGuard guard(m_stepLock);
+    return m_stepDepth > 0;
+}
+
 void WindowsUpgradeInterface::start() {
-    if (!m_listener.joinable())
+    if (m_listener.joinable())
+        return;
+    try {
         m_listener = std::thread(listen, m_platform, weak_from_this());
+    } catch (const std::system_error& error) {
+        std::cerr << "UpgradeUI: cannot start the thread that listens to the upgrader: " << error.what()
+                  << '\n';
+    }
 }
 
 void WindowsUpgradeInterface::setDisplayHandler(DisplayHandler handler) {
@@ -137,7 +168,7 @@ void WindowsUpgradeInterface::takeCodes() {
 }
 
 void WindowsUpgradeInterface::takeCode(std::uint8_t code, const UpgradeSharedRecord& payload) {
-    const KeltoGuard step(m_stepLock);
+    const Step step(*this);
     deliverPayload(messageRule(code).payload, payload);
     handleMessage(code);
 }
@@ -161,7 +192,7 @@ void WindowsUpgradeInterface::deliverPayload(MessagePayload kind, const UpgradeS
 }
 
 void WindowsUpgradeInterface::handleMessage(std::uint8_t code) {
-    const KeltoGuard step(m_stepLock);
+    const Step step(*this);
     const MessageRule& rule = messageRule(code);
     switch (rule.effect) {
     case MessageEffect::Nothing:
@@ -211,13 +242,13 @@ void WindowsUpgradeInterface::handleFileFound() {
 }
 
 void WindowsUpgradeInterface::handleACPower(bool connected) {
-    const KeltoGuard step(m_stepLock);
+    const Step step(*this);
     if (connected && m_currentDisplay == DisplayConnectACPower)
         handleMessage(static_cast<std::uint8_t>(UpgradeMessage::MsgFileFound));
 }
 
 void WindowsUpgradeInterface::sendUserAction(UserAction action) {
-    const KeltoGuard step(m_stepLock);
+    const Step step(*this);
     switch (action) {
     case UserAction::ActionUpgrade:
         upgrade();

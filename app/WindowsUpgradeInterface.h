@@ -20,9 +20,9 @@ enum class MessagePayload : std::uint8_t;
 /// that steps and announcements of several threads never interleave. The mutex of the record is never held
 /// across a handler: the listener reads a code and its payload before the step, a command is one write.
 ///
-/// Reached only through a shared pointer. The listener holds the link weakly while it waits, so the last
-/// reference can be dropped anywhere: on the listener itself it lets the thread go, elsewhere it ends and
-/// joins it.
+/// Requires a shared pointer. A step holds a share of the link, the waiting listener holds it weakly, so the
+/// last reference can be dropped anywhere, also in a handler. The destructor ends and joins the listener; on
+/// the listener itself it detaches the thread instead.
 class WindowsUpgradeInterface final : public UpgradeInterface,
                                       public std::enable_shared_from_this<WindowsUpgradeInterface> {
 public:
@@ -48,9 +48,12 @@ public:
     void stop() override;
 
 private:
+    class Step;
+
     static void listen(const std::shared_ptr<UpgradePlatform>& platform,
                        const std::weak_ptr<WindowsUpgradeInterface>& link);
 
+    [[nodiscard]] bool isInStep();
     void handleEvent(UpgradeEvent event);
     void takeCodes();
     void takeCode(std::uint8_t code, const UpgradeSharedRecord& payload);
@@ -74,6 +77,7 @@ private:
     std::thread m_listener;
 
     KeltoMutex m_stepLock; // comes before the mutex of m_platform
+    int m_stepDepth KELTO_GUARDED_BY(m_stepLock) = 0;
     UpgradeDisplay m_currentDisplay KELTO_GUARDED_BY(m_stepLock) = UpgradeDisplay::DisplayIdle;
     bool m_repairLatched KELTO_GUARDED_BY(m_stepLock) = false;
 

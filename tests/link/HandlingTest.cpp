@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
+#include <pthread.h>
 #include <thread>
 
 namespace {
@@ -283,6 +285,63 @@ TEST(Handling, TheLastReferenceCanBeDroppedOnTheListenerItself) {
     platform->queue({16, 17});
     platform->raise(UpgradeEvent::UiEvent);
     EXPECT_TRUE(eventually([&] { return platform->waitHasEnded() && platform.use_count() == 2; }));
+}
+
+// Each row is a step outside the listener.
+const std::function<void(WindowsUpgradeInterface&)> kForeignSteps[] = {
+    [](WindowsUpgradeInterface& link) { link.sendUserAction(ActionUpgrade); },
+    [](WindowsUpgradeInterface& link) { link.handleACPower(true); },
+};
+
+TEST(Handling, TheLastReferenceCanBeDroppedInsideAStep) {
+    for (const auto& step : kForeignSteps) {
+        ScriptedLink scripted({"Battery"}, false);
+        scripted.take({4});
+        WindowsUpgradeInterface& link = *scripted.link;
+        const std::weak_ptr<WindowsUpgradeInterface> alive = scripted.link;
+        link.setDisplayHandler([&](UpgradeDisplay) {
+            scripted.link.reset();
+            ASSERT_FALSE(alive.expired()) << "the step holds a share";
+        });
+        step(link);
+        EXPECT_TRUE(alive.expired());
+        EXPECT_TRUE(scripted.platform->waitHasEnded());
+    }
+}
+
+TEST(Handling, AStopInsideAStepDoesNotWaitForTheListener) {
+    for (const auto& step : kForeignSteps) {
+        ScriptedLink scripted({"Battery"}, false);
+        scripted.take({4});
+        ScriptedPlatform* platform = scripted.platform.get();
+        scripted.link->setDisplayHandler([&](UpgradeDisplay) {
+            if (platform->waitIsToEnd())
+                return;
+            platform->raise(UpgradeEvent::RequestClose);
+            EXPECT_TRUE(eventually([platform] { return !platform->isWaiting(); })) << "the listener has it";
+            scripted.link->stop();
+        });
+        step(*scripted.link);
+        scripted.link->stop();
+        EXPECT_TRUE(platform->takeNotes().ends_with("acknowledge"));
+    }
+}
+
+TEST(Handling, AThreadThatCannotBeCreatedEndsNothing) {
+    const auto platform = std::make_shared<ScriptedPlatform>();
+    const auto link = std::make_shared<WindowsUpgradeInterface>(platform);
+    pthread_attr_t before;
+    pthread_attr_t tooLarge;
+    ASSERT_EQ(pthread_getattr_default_np(&before), 0);
+    ASSERT_EQ(pthread_attr_init(&tooLarge), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&tooLarge, std::size_t{1} << 47U), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&tooLarge), 0);
+    ::testing::internal::CaptureStderr();
+    link->start();
+    EXPECT_NE(::testing::internal::GetCapturedStderr().find("cannot start the thread"), std::string::npos);
+    EXPECT_EQ(pthread_setattr_default_np(&before), 0);
+    link->start();
+    EXPECT_TRUE(platform->signal(UpgradeEvent::RequestClose)) << "a later start succeeds";
 }
 
 TEST(Handling, AStopWaitsForTheAcknowledgementUnderWay) {

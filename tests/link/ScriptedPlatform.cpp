@@ -39,6 +39,11 @@ void ScriptedPlatform::endWait() {
     m_changed.notify_all();
 }
 
+bool ScriptedPlatform::isWaiting() const {
+    const std::scoped_lock guard(m_lock);
+    return m_waiting;
+}
+
 bool ScriptedPlatform::waitIsToEnd() const {
     const std::scoped_lock guard(m_lock);
     return m_ended;

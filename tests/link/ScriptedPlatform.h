@@ -47,6 +47,7 @@ public:
     /// Returns whether a thread waits for the mutex.
     [[nodiscard]] bool isMutexAwaited() const;
 
+    [[nodiscard]] bool isWaiting() const;
     [[nodiscard]] bool waitIsToEnd() const;
     [[nodiscard]] bool waitHasEnded() const;
 
