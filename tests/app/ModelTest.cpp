@@ -8,10 +8,13 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <thread>
+#include <vector>
 
 namespace {
 
 using Model = KQUpgradeInterface;
+using enum UpgradeDisplay;
 
 class ModelTest : public ::testing::Test {
 protected:
@@ -46,10 +49,11 @@ TEST_F(ModelTest, EveryDisplayHasItsStateAndEachIsSignalled) {
         {9, Model::StateIdle},
         {10, Model::StateUpgradeCompletedNoReboot},
         {11, Model::StateConnectACPower},
+        {13, Model::StateConnectACPower},
+        {255, Model::StateConnectACPower},
         {12, Model::StateExitUi},
         {12, Model::StateExitUi},
-        {13, Model::StateExitUi},
-        {255, Model::StateExitUi},
+        {0, Model::StateExitUi},
     };
     QSignalSpy changed(model.get(), &Model::upgradeStateChanged);
     int announcements = 0;
@@ -60,6 +64,41 @@ TEST_F(ModelTest, EveryDisplayHasItsStateAndEachIsSignalled) {
     }
     EXPECT_EQ(Model::StateExitUi, 10);
     EXPECT_EQ(Model::StateConnectACPower, 12);
+}
+
+class ModelOnTwoThreads : public ModelTest {
+protected:
+    ModelOnTwoThreads() {
+        QObject::connect(model.get(), &Model::upgradeStateChanged, model.get(),
+                         [this] { seen << model->upgradeState(); });
+    }
+
+    void showOnAnotherThread(const std::vector<UpgradeDisplay>& displays) {
+        std::thread([&] {
+            for (const UpgradeDisplay display : displays)
+                link->display(display);
+        }).join();
+    }
+
+    QList<Model::StateUpgrade> seen;
+};
+
+TEST_F(ModelOnTwoThreads, DisplaysArriveByValueAndInOrderAndNoneAfterAnExit) {
+    showOnAnotherThread({DisplayCompleted, DisplayFailed});
+    link->display(DisplayInProgress);
+    showOnAnotherThread({DisplayExitUi, DisplayFileFound});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(seen, (QList{Model::StateUpgradeCompleted, Model::StateUpgradeFailed,
+                           Model::StateUpgradeInProgress, Model::StateExitUi, Model::StateExitUi}));
+}
+
+TEST_F(ModelOnTwoThreads, PendingDisplaysAreBoundedAndKeepTheExit) {
+    std::vector<UpgradeDisplay> displays(10'000, DisplayFailed);
+    displays.front() = DisplayExitUi;
+    showOnAnotherThread(displays);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model->upgradeState(), Model::StateExitUi);
+    EXPECT_LE(seen.size(), 100);
 }
 
 TEST_F(ModelTest, ElevenProgressMessagesFallOnTenStages) {
