@@ -1,18 +1,26 @@
 #include "app/UpgradeInterface.h"
 #include "app/UpgradeMessage.h"
 
+#include "platform/ThreadFactory.h"
 #include "platform/os/NamedMutex.h"
+#include "property/BoolProperty.h"
+#include "property/PropertyManager.h"
+#include "property/PropertyVocabulary.h"
 
 #include "tests/support/DeviceRootTest.h"
 #include "tools/upgrader/UpgraderLink.h"
 
-#include <atomic>
+#include <fstream>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using namespace std::chrono_literals;
+using vocabulary::components::kFirmwareDriver;
+using vocabulary::groups::kBattery;
+using vocabulary::properties::kBatteryACConnected;
 
 /// The application's link and an upgrader's over the same named objects.
 class RealObjects : public DeviceRootTest {
@@ -26,8 +34,8 @@ protected:
         ASSERT_NE(upgrader, nullptr) << why;
     }
 
-    void startApplication() {
-        application = createUpgradeInterface();
+    void startApplication(std::shared_ptr<UpgradeInterface> link = createUpgradeInterface()) {
+        application = std::move(link);
         application->setDisplayHandler([this](UpgradeDisplay display) {
             const std::scoped_lock guard(m_lock);
             m_displays.push_back(static_cast<int>(display));
@@ -112,6 +120,26 @@ TEST_F(RealObjects, WithoutAnyEventTheLinkIsSilentAndEnds) {
     application->sendUserAction(UserAction::ActionReboot);
     application.reset();
     EXPECT_TRUE(displays().empty());
+}
+
+TEST_F(RealObjects, PowerThatIsLostAgainAndThenConnectedContinuesTheDialogue) {
+    std::filesystem::create_directory(root() / "boot");
+    std::ofstream(root() / "boot/systemfeatures.json") << R"({"features": ["Battery"]})";
+    const auto manager = std::make_shared<PropertyManager>(std::make_shared<ThreadFactory>(kThreadPriority),
+                                                           kThreadPriority, kThreadPriority, L"", L"");
+    startUpgrader();
+    startApplication(createUpgradeInterface(nullptr, manager));
+    const auto power = std::dynamic_pointer_cast<BoolProperty>(manager->findProperty(
+        std::string(kFirmwareDriver.guid) + '-' + std::string(kBatteryACConnected.guid), kBattery.guid));
+    ASSERT_NE(power, nullptr);
+    power->setFromString("False");
+    ASSERT_TRUE(upgrader->send(MsgFileFound, kDeadline));
+    ASSERT_TRUE(shows({11}));
+    power->setFromString("False");
+    power->notifyListeners();
+    EXPECT_EQ(displays(), std::vector{11});
+    power->setFromString("True");
+    EXPECT_EQ(displays(), (std::vector{11, 0}));
 }
 
 TEST_F(RealObjects, AMutexThatCannotBeOpenedCountsAsAnAbsentRecord) {
