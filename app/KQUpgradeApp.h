@@ -13,8 +13,8 @@ class KQUpgradeApp final : public KQApp {
     Q_OBJECT
 
 public:
-    /// Connects to the property server, builds the link and the model. The link listens from here on:
-    /// messages of the upgrader that arrive before the event loop runs wait in the model. Blocks while a
+    /// Connects to the property server, builds the link and the model. The link listens from here on: what
+    /// the upgrader said before, and says before the QML has loaded, stands in the model. Blocks while a
     /// server that does not answer is waited for.
     KQUpgradeApp();
     ~KQUpgradeApp() override;

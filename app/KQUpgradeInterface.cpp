@@ -2,9 +2,6 @@
 
 #include "app/UpgradeInterface.h"
 
-#include <QThread>
-#include <algorithm>
-#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -56,30 +53,13 @@ KQUpgradeInterface::InProgStatus stageOf(UpgradeProgressMsg stage) {
     return KQUpgradeInterface::UpgradeInitiated;
 }
 
-// The codes of a full ring lead to fewer announcements.
-constexpr std::size_t kMaxPending = 100;
-
-// The address identifies the handler of the link that calls take.
-template <auto take>
-constexpr char kHandler = 0;
-
-// A handler of the link that does nothing once the model is gone.
-template <auto take>
-auto handlerFor(const std::weak_ptr<KQUpgradeInterface>& model) {
-    return [model](const auto&... arguments) {
+// A handler of the link that reaches the model for as long as it lives.
+template <typename... Parameters>
+auto handlerFor(const std::weak_ptr<KQUpgradeInterface>& model,
+                void (KQUpgradeInterface::*take)(Parameters...)) {
+    return [model, take](const auto&... arguments) {
         if (const std::shared_ptr<KQUpgradeInterface> self = model.lock())
-            self->announce(
-                {&kHandler<take>, [raw = self.get(), arguments...] { (raw->*take)(arguments...); }});
-    };
-}
-
-// The handler of displays; after an exit it announces nothing else. The link calls it from one thread at a
-// time.
-auto displayHandlerFor(const std::weak_ptr<KQUpgradeInterface>& model) {
-    return [handler = handlerFor<&KQUpgradeInterface::takeDisplay>(model),
-            exits = false](UpgradeDisplay display) mutable {
-        exits = exits || display == UpgradeDisplay::DisplayExitUi;
-        handler(exits ? UpgradeDisplay::DisplayExitUi : display);
+            (self.get()->*take)(arguments...);
     };
 }
 
@@ -89,40 +69,12 @@ KQUpgradeInterface::KQUpgradeInterface(std::shared_ptr<UpgradeInterface> link) :
 
 KQUpgradeInterface::~KQUpgradeInterface() = default;
 
-void KQUpgradeInterface::announce(Announcement announcement) {
-    bool isFirst = false;
-    {
-        const std::scoped_lock guard(m_pendingLock);
-        isFirst = m_pending.empty();
-        const auto superseded = std::ranges::find(m_pending, announcement.handler, &Announcement::handler);
-        if (m_pending.size() >= kMaxPending && superseded != m_pending.end())
-            m_pending.erase(superseded);
-        m_pending.push_back(std::move(announcement));
-    }
-    if (QThread::currentThread() == thread())
-        deliverPending();
-    else if (isFirst)
-        QMetaObject::invokeMethod(this, &KQUpgradeInterface::deliverPending, Qt::QueuedConnection);
-}
-
-// Not until the queue is empty: an upgrader that never pauses must not keep the GUI thread from its events.
-void KQUpgradeInterface::deliverPending() {
-    for (std::size_t i = 0; i < 2 * kMaxPending; ++i) {
-        std::function<void()> deliver;
-        {
-            const std::scoped_lock guard(m_pendingLock);
-            if (m_pending.empty())
-                return;
-            deliver = std::move(m_pending.front().deliver);
-            m_pending.pop_front();
-        }
-        deliver();
-    }
-    QMetaObject::invokeMethod(this, &KQUpgradeInterface::deliverPending, Qt::QueuedConnection);
-}
-
 void KQUpgradeInterface::takeDisplay(UpgradeDisplay display) {
-    m_upgradeState = stateOf(display).value_or(m_upgradeState);
+    {
+        const std::scoped_lock guard(m_fieldLock);
+        if (m_upgradeState != StateExitUi) // the screens may not have read it yet, and nothing follows it
+            m_upgradeState = stateOf(display).value_or(m_upgradeState);
+    }
     emit upgradeStateChanged();
 }
 
@@ -171,12 +123,12 @@ void KQUpgradeInterface::userClickedOkNoReboot() { m_link->sendUserAction(UserAc
 std::shared_ptr<KQUpgradeInterface> createUpgradeModel(const std::shared_ptr<UpgradeInterface>& link) {
     auto model = std::make_shared<KQUpgradeInterface>(link);
     const std::weak_ptr<KQUpgradeInterface> weak = model;
-    link->setDisplayHandler(displayHandlerFor(weak));
-    link->setProgressHandler(handlerFor<&KQUpgradeInterface::takeProgress>(weak));
-    link->setPrinterInfoHandler(handlerFor<&KQUpgradeInterface::takePrinterInfo>(weak));
-    link->setPackageInfoHandler(handlerFor<&KQUpgradeInterface::takePackageInfo>(weak));
-    link->setPackageSizeHandler(handlerFor<&KQUpgradeInterface::takePackageSize>(weak));
-    link->setRepairAvailableHandler(handlerFor<&KQUpgradeInterface::takeRepairAvailable>(weak));
+    link->setDisplayHandler(handlerFor(weak, &KQUpgradeInterface::takeDisplay));
+    link->setProgressHandler(handlerFor(weak, &KQUpgradeInterface::takeProgress));
+    link->setPrinterInfoHandler(handlerFor(weak, &KQUpgradeInterface::takePrinterInfo));
+    link->setPackageInfoHandler(handlerFor(weak, &KQUpgradeInterface::takePackageInfo));
+    link->setPackageSizeHandler(handlerFor(weak, &KQUpgradeInterface::takePackageSize));
+    link->setRepairAvailableHandler(handlerFor(weak, &KQUpgradeInterface::takeRepairAvailable));
     link->start();
     return model;
 }

@@ -5,21 +5,17 @@
 #include <QObject>
 #include <QString>
 #include <cstdint>
-#include <deque>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <utility>
 
 class UpgradeInterface;
 
-/// The upgrade as the screens see it, and their buttons as actions of the link. GUI thread only, except
-/// announce().
+/// The upgrade as the screens see it, and their buttons as actions of the link.
 ///
-/// The handlers that createUpgradeModel() gives to the link pass each announcement to the GUI thread by value
-/// and in order; there it is stored and signalled, also if it changes nothing. The state StateExitUi is
-/// final: later displays do not change it.
+/// The link's handlers store and emit on their own thread; the QML engine queues the notification for the GUI
+/// thread and reads the new value there. Signals are emitted on every set, changed or not. StateExitUi is
+/// final: no later display replaces it before the screens have read it.
 class KQUpgradeInterface : public QObject {
     Q_OBJECT
     Q_PROPERTY(StateUpgrade upgradeState READ upgradeState NOTIFY upgradeStateChanged)
@@ -71,29 +67,18 @@ public:
     explicit KQUpgradeInterface(std::shared_ptr<UpgradeInterface> link);
     ~KQUpgradeInterface() override;
 
-    [[nodiscard]] StateUpgrade upgradeState() const { return m_upgradeState; }
-    [[nodiscard]] InProgStatus upgradeInProg() const { return m_upgradeInProg; }
-    [[nodiscard]] bool enableRepair() const { return m_enableRepair; }
-    [[nodiscard]] QString printerVersion() const { return m_printerVersion; }
-    [[nodiscard]] QString printerDeviceName() const { return m_printerDeviceName; }
-    [[nodiscard]] QString printerRegion() const { return m_printerRegion; }
-    [[nodiscard]] QString packageVersion() const { return m_packageVersion; }
-    [[nodiscard]] QString packageDeviceName() const { return m_packageDeviceName; }
-    [[nodiscard]] QString packageRegion() const { return m_packageRegion; }
-    [[nodiscard]] unsigned int packageSize() const { return m_packageSize; }
+    [[nodiscard]] StateUpgrade upgradeState() const { return read(m_upgradeState); }
+    [[nodiscard]] InProgStatus upgradeInProg() const { return read(m_upgradeInProg); }
+    [[nodiscard]] bool enableRepair() const { return read(m_enableRepair); }
+    [[nodiscard]] QString printerVersion() const { return read(m_printerVersion); }
+    [[nodiscard]] QString printerDeviceName() const { return read(m_printerDeviceName); }
+    [[nodiscard]] QString printerRegion() const { return read(m_printerRegion); }
+    [[nodiscard]] QString packageVersion() const { return read(m_packageVersion); }
+    [[nodiscard]] QString packageDeviceName() const { return read(m_packageDeviceName); }
+    [[nodiscard]] QString packageRegion() const { return read(m_packageRegion); }
+    [[nodiscard]] unsigned int packageSize() const { return read(m_packageSize); }
 
-    /// A call of a handler of the link.
-    struct Announcement {
-        const void* handler; ///< Identifies the handler.
-        std::function<void()> deliver;
-    };
-
-    /// Runs the announcement on the GUI thread after all earlier ones; called there, before it returns. While
-    /// more than a full ring of codes is pending, the announcement replaces the oldest one of its handler.
-    /// Does not block. Thread-safe.
-    void announce(Announcement announcement);
-
-    /// Store and signal one announcement of the link.
+    /// What the link's handlers call. Thread: any. Do not block beyond a copy of one field.
     void takeDisplay(UpgradeDisplay display);
     void takeProgress(UpgradeProgressMsg stage);
     void takePrinterInfo(const std::string& version, const std::string& deviceName,
@@ -129,8 +114,17 @@ private:
     using Signal = void (KQUpgradeInterface::*)();
 
     template <typename Value>
+    Value read(const Value& field) const {
+        const std::scoped_lock guard(m_fieldLock);
+        return field;
+    }
+
+    template <typename Value>
     void store(Value& field, Value value, Signal changed) {
-        field = std::move(value);
+        {
+            const std::scoped_lock guard(m_fieldLock);
+            field = std::move(value);
+        }
         emit(this->*changed)();
     }
 
@@ -138,11 +132,8 @@ private:
         store(field, QString::fromStdString(utf8), changed);
     }
 
-    void deliverPending();
-
-    std::mutex m_pendingLock;
-    std::deque<Announcement> m_pending; // guarded by m_pendingLock
-    StateUpgrade m_upgradeState = StateIdle;
+    mutable std::mutex m_fieldLock;
+    StateUpgrade m_upgradeState = StateIdle; // guarded by m_fieldLock, like all but the link
     InProgStatus m_upgradeInProg = UpgradeInitiated;
     bool m_enableRepair = false;
     QString m_printerVersion;

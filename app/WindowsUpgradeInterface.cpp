@@ -2,9 +2,9 @@
 
 #include "app/UpgradeMessage.h"
 #include "app/UpgradeSharedRecord.h"
+#include "platform/Log.h"
 
 #include <cstring>
-#include <iostream>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -83,8 +83,7 @@ void WindowsUpgradeInterface::start() {
     try {
         m_listener = std::thread(listen, m_platform, weak_from_this());
     } catch (const std::system_error& error) {
-        std::cerr << "UpgradeUI: cannot start the thread that listens to the upgrader: " << error.what()
-                  << '\n';
+        logLine(std::string("cannot start the thread that listens to the upgrader: ") + error.what());
     }
 }
 

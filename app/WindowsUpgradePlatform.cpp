@@ -1,8 +1,8 @@
 #include "app/WindowsUpgradePlatform.h"
 
 #include "app/UpgradeSharedRecord.h"
+#include "platform/Log.h"
 
-#include <iostream>
 #include <thread>
 
 namespace {
@@ -45,8 +45,8 @@ void WindowsUpgradePlatform::setEvent(UpgradeEvent event) { m_events[indexOf(eve
 bool WindowsUpgradePlatform::lock() {
     while (!m_mutex->tryLock()) {
         if (Clock::now() >= m_lockDeadline.load()) {
-            std::cerr << "UpgradeUI: another process holds \"" << kUpgradeMutexName
-                      << "\"; exiting without access to the shared record\n";
+            logLine("another process holds \"" + std::string(kUpgradeMutexName) +
+                    "\"; exiting without access to the shared record");
             return false;
         }
         std::this_thread::sleep_for(kLockRetryInterval);

@@ -8,13 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <thread>
-#include <vector>
 
 namespace {
 
 using Model = KQUpgradeInterface;
-using enum UpgradeDisplay;
 
 class ModelTest : public ::testing::Test {
 protected:
@@ -64,41 +61,6 @@ TEST_F(ModelTest, EveryDisplayHasItsStateAndEachIsSignalled) {
     }
     EXPECT_EQ(Model::StateExitUi, 10);
     EXPECT_EQ(Model::StateConnectACPower, 12);
-}
-
-class ModelOnTwoThreads : public ModelTest {
-protected:
-    ModelOnTwoThreads() {
-        QObject::connect(model.get(), &Model::upgradeStateChanged, model.get(),
-                         [this] { seen << model->upgradeState(); });
-    }
-
-    void showOnAnotherThread(const std::vector<UpgradeDisplay>& displays) {
-        std::thread([&] {
-            for (const UpgradeDisplay display : displays)
-                link->display(display);
-        }).join();
-    }
-
-    QList<Model::StateUpgrade> seen;
-};
-
-TEST_F(ModelOnTwoThreads, DisplaysArriveByValueAndInOrderAndNoneAfterAnExit) {
-    showOnAnotherThread({DisplayCompleted, DisplayFailed});
-    link->display(DisplayInProgress);
-    showOnAnotherThread({DisplayExitUi, DisplayFileFound});
-    QCoreApplication::processEvents();
-    EXPECT_EQ(seen, (QList{Model::StateUpgradeCompleted, Model::StateUpgradeFailed,
-                           Model::StateUpgradeInProgress, Model::StateExitUi, Model::StateExitUi}));
-}
-
-TEST_F(ModelOnTwoThreads, PendingDisplaysAreBoundedAndKeepTheExit) {
-    std::vector<UpgradeDisplay> displays(10'000, DisplayFailed);
-    displays.front() = DisplayExitUi;
-    showOnAnotherThread(displays);
-    QCoreApplication::processEvents();
-    EXPECT_EQ(model->upgradeState(), Model::StateExitUi);
-    EXPECT_LE(seen.size(), 100);
 }
 
 TEST_F(ModelTest, ElevenProgressMessagesFallOnTenStages) {
