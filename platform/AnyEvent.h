@@ -10,10 +10,10 @@
 #include <thread>
 #include <utility>
 
-/// An Event over a lock and a condition variable that waits with it, until a time point of
-/// boost::chrono::steady_clock where told. In use with KeltoMutex and boost::condition_variable_any.
+/// An Event over a lock and a condition variable that waits with this lock and has timed waits on
+/// boost::chrono::steady_clock. Used with KeltoMutex and boost::condition_variable_any.
 template <typename Mutex, typename Condition>
-class AnyEvent final : public Event {
+class AnyEvent : public Event {
 public:
     explicit AnyEvent(bool autoReset) : Event(autoReset) {}
 
@@ -90,9 +90,19 @@ private:
         return Clock::now() + boost::chrono::nanoseconds(timeoutMs * kNanosecondsInMillisecond);
     }
 
+    /// Marks a wait in progress until the end of its block, also if the predicate throws.
+    struct WaitMark {
+        explicit WaitMark(bool& waiting) : mark(waiting) { mark = true; }
+        ~WaitMark() { mark = false; }
+        WaitMark(const WaitMark&) = delete;
+        WaitMark& operator=(const WaitMark&) = delete;
+
+        bool& mark;
+    };
+
     template <typename Holds>
     void await(const Holds& holds) KELTO_REQUIRES(m_mutex) {
-        m_waiting = true;
+        const WaitMark mark(m_waiting);
         // Falling asleep and being woken costs more than all else here, and who has just set another's bits
         // mostly has its answer at once.
         for (int look = 0; look < kLooksBeforeSleep && !holds(m_bits); ++look) {
@@ -102,16 +112,14 @@ private:
         }
         while (!holds(m_bits))
             m_condition.wait(m_mutex);
-        m_waiting = false;
     }
 
     template <typename Holds>
     bool awaitUntil(Clock::time_point deadline, const Holds& holds) KELTO_REQUIRES(m_mutex) {
-        m_waiting = true;
+        const WaitMark mark(m_waiting);
         bool held = holds(m_bits);
         for (bool timedOut = false; !held && !timedOut; held = holds(m_bits))
             timedOut = m_condition.wait_until(m_mutex, deadline) == boost::cv_status::timeout;
-        m_waiting = false;
         return held;
     }
 

@@ -9,7 +9,9 @@
 #include <boost/thread/condition_variable.hpp>
 
 #include <atomic>
+#include <stdexcept>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -126,6 +128,24 @@ TEST(EventWait, DestroysItsPredicateAfterTheReleaseOfTheLock) {
         [last = std::shared_ptr<Last>(new Last{*event, free})](std::uint32_t bits) { return bits == 1; });
     EXPECT_TRUE(free);
     EXPECT_EQ(taken(*event), 2U) << "the predicate went before the word was cleared";
+}
+
+struct ObservedEvent : AnyEvent<KeltoMutex, boost::condition_variable_any> {
+    using AnyEvent::AnyEvent;
+    using Event::m_waiting;
+};
+
+TEST(EventWait, IsOverWhenItsPredicateThrows) {
+    ObservedEvent event(true);
+    const auto throws = [&event](std::uint32_t) {
+        EXPECT_TRUE(event.m_waiting);
+        throw std::runtime_error("from the predicate");
+        return true;
+    };
+    EXPECT_THROW(event.waitMatch(throws), std::runtime_error);
+    EXPECT_FALSE(event.m_waiting);
+    EXPECT_THROW(static_cast<void>(event.waitMatchTimed(throws, kLong)), std::runtime_error);
+    EXPECT_FALSE(event.m_waiting);
 }
 
 /// A condition variable that lets the bit come in the very moment of the time-out.
