@@ -5,10 +5,11 @@
 #include <memory>
 #include <mutex>
 
-/// A recursive lock. Copies are handles to the same lock, which goes with the last of them.
+/// A recursive lock. Copies are handles to the same lock, which is destroyed with the last of them. Moving
+/// copies too, so a moved-from handle stays usable.
 ///
-/// Who holds it may lock it again and unlocks it as often. Every class that guards data with one holds it as
-/// a plain member and takes it through a KeltoGuard.
+/// A thread that holds the lock may lock it again and must unlock it as often. Every class that guards data
+/// with one holds it as a plain member and takes it through a KeltoGuard.
 class KELTO_CAPABILITY("mutex") KeltoMutex {
 public:
     /// A new lock, free.
@@ -24,7 +25,7 @@ public:
     [[nodiscard]] bool tryLock() KELTO_TRY_ACQUIRE(true) { return m_lock->try_lock(); }
 
 private:
-    std::shared_ptr<std::recursive_mutex> m_lock;
+    const std::shared_ptr<std::recursive_mutex> m_lock; // constant, so that a move copies it
 };
 
 /// Holds a lock from its construction to the end of its block, on every way out.
