@@ -26,6 +26,8 @@ std::int32_t WindowsTCPClientSocket::read(void* buffer, std::int32_t size) {
 
 std::int32_t WindowsTCPClientSocket::write(const void* buffer, std::int32_t size) {
     const os::Transfer sent = m_socketHandle.write(buffer, static_cast<std::size_t>(size));
+    if (sent.failure && sent.count > 0)
+        return lost(); // the handle refuses every later write
     if (sent.failure == std::errc::no_buffer_space)
         return StreamRetry;
     return sent.failure ? failed(sent.failure) : static_cast<std::int32_t>(sent.count);

@@ -30,10 +30,10 @@ public:
     /// a failure is lost. Blocks until one of these, or until the socket is closed.
     [[nodiscard]] std::int32_t read(void* buffer, std::int32_t size) override;
 
-    /// Returns @p size; StreamRetry where the connection was aborted, had no room or timed out, which a write
-    /// without progress for 5 seconds does too; StreamFailed for every other failure: the socket is not
-    /// connected from then on. A failure may come after some bytes have gone out; then every later write
-    /// gives StreamFailed. Blocks until one of these, or until the socket is closed.
+    /// Returns @p size. Returns StreamRetry if no byte was sent because the connection was aborted, had no
+    /// room or took no byte for 5 seconds; the socket stays usable. Returns StreamFailed for every other
+    /// failure, which includes each failure after the first byte; the socket is not connected from then on.
+    /// Blocks until one of these, or until the socket is closed.
     [[nodiscard]] std::int32_t write(const void* buffer, std::int32_t size) override;
 
     /// Thread: any. Blocks for the moment that the calls under way need to leave.
