@@ -3,7 +3,10 @@
 #include "platform/ByteBuffer.h"
 #include "platform/FileStream.h"
 #include "platform/WideText.h"
+#include "platform/os/Descriptor.h"
+#include "platform/os/FileSync.h"
 
+#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -118,6 +121,13 @@ TEST_F(FileStreams, CloseTwiceWithoutHarmAndSyncWhatIsOpen) {
     file.close();
     EXPECT_TRUE(file.isGood());
     EXPECT_FALSE(file.sync());
+}
+
+TEST_F(FileStreams, AreSyncedInAFolderThatCannotBeSynced) {
+    put("x");
+    const os::Descriptor file(::open(onHost().c_str(), O_RDONLY | O_CLOEXEC));
+    // This path leads to the file itself, but fsync() of the folder /proc/self/fd gives EINVAL.
+    EXPECT_EQ(os::syncFile("/proc/self/fd/" + std::to_string(file.value())), std::error_code());
 }
 
 TEST_F(FileStreams, TakeTheCharactersOfAPathForBytes) {

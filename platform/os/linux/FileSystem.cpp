@@ -1,6 +1,7 @@
 #include "platform/os/FileSystem.h"
 
 #include "platform/os/Descriptor.h"
+#include "platform/os/FileSync.h"
 #include "platform/os/linux/SystemCall.h"
 
 #include <algorithm>
@@ -74,18 +75,6 @@ std::error_code replaceContent(const Descriptor& file, off_t size, Write write) 
     if (const auto failure = write())
         return failure;
     return retried([&] { return ::fsync(file.value()); }) == 0 ? std::error_code() : lastFailure();
-}
-
-// A name is on the medium only when its folder is.
-std::error_code syncFolderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const Descriptor folder =
-        opened(slash == std::string::npos ? "." : path.substr(0, slash + 1), O_RDONLY | O_DIRECTORY);
-    if (!folder.isOpen()) // one that may be written but not read cannot be synced by us
-        return errno == EACCES ? std::error_code() : lastFailure();
-    if (retried([&] { return ::fsync(folder.value()); }) == 0 || errno == EINVAL)
-        return {}; // EINVAL: a file system that keeps no folders to sync
-    return lastFailure();
 }
 
 } // namespace
