@@ -10,8 +10,10 @@
 #include <array>
 #include <atomic>
 #include <fstream>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -47,15 +49,23 @@ TEST_F(NamedObject, OpeningNeverMakesAnEventAndTakesNothingElseForOne) {
     EXPECT_FALSE(NamedEvent().set());
 }
 
-TEST_F(NamedObject, StandUnderTheirOwnNamesForWhoMayOpenTheFolder) {
-    const mode_t before = ::umask(077);
+TEST_F(NamedObject, AppearUnderTheirOwnNamesWithTheirFinalModeWhateverTheUmask) {
+    const mode_t before = ::umask(0777);
+    ASSERT_FALSE(os::makeNamedObjectFolder());
+    const os::Descriptor watch(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+    ASSERT_NE(::inotify_add_watch(watch.value(), (root() / "run/upgrade").c_str(), IN_ATTRIB), -1);
     made(R"(Global\AN_EVENT)", EventRight::Wait);
     const os::NamedMutex mutex(R"(Global\A_MUTEX)");
     const os::NamedMemory memory(R"(Global\A_MEMORY)", 336);
     ::umask(before);
+
+    std::string changed(65536, '\0'); // the names of the files whose mode was changed, among other bytes
+    ASSERT_GT(::read(watch.value(), changed.data(), changed.size()), 0);
     EXPECT_EQ(modeOf(root() / "run/upgrade"), 0770U);
-    for (const char* name : {R"(Global\AN_EVENT)", R"(Global\A_MUTEX)", R"(Global\A_MEMORY)"})
+    for (const char* name : {R"(Global\AN_EVENT)", R"(Global\A_MUTEX)", R"(Global\A_MEMORY)"}) {
         EXPECT_EQ(modeOf(root() / "run/upgrade" / name), 0660U) << name;
+        EXPECT_EQ(changed.find(name), std::string::npos) << name << " appeared with another mode";
+    }
 }
 
 TEST_F(NamedObject, AnEventRefusesWhatItWasNotOpenedFor) {

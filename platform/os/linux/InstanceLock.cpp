@@ -10,7 +10,7 @@ namespace os {
 
 InstanceLock::InstanceLock(std::string_view programName) {
     std::error_code why; // without the file every start is the first
-    m_file = openOrCreateObjectFile(std::string(programName) + ".instance", why);
+    m_file = openOrCreateObject(std::string(programName) + ".instance", S_IFREG, why);
     if (m_file.isOpen())
         m_heldByAnother =
             retried([&] { return ::flock(m_file.value(), LOCK_EX | LOCK_NB); }) != 0 && errno == EWOULDBLOCK;

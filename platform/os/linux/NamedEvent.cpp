@@ -7,51 +7,22 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
 namespace os {
-namespace {
-
-// Reading and writing, whatever right is asked for: with a reader and a writer always there, the end of the
-// other process gives no hang-up that a wait would see for ever.
-Descriptor openPipe(const std::string& path, std::error_code& why) {
-    constexpr int kFlags = O_RDWR | O_NONBLOCK | O_CLOEXEC | O_NOFOLLOW | O_NOCTTY;
-    Descriptor pipe(retried([&] { return ::open(path.c_str(), kFlags); }));
-    struct stat status {};
-    if (!pipe.isOpen() || ::fstat(pipe.value(), &status) != 0) {
-        why = lastFailure();
-        return {};
-    }
-    if (!S_ISFIFO(status.st_mode)) {
-        why = std::make_error_code(std::errc::invalid_argument);
-        return {};
-    }
-    return pipe;
-}
-
-} // namespace
 
 NamedEvent::NamedEvent(Descriptor pipe, EventRight right) : m_pipe(std::move(pipe)), m_right(right) {}
 
+// The pipe is opened for reading and writing whatever the right: with a reader and a writer always present,
+// the end of the other process causes no endless hang-up.
 NamedEvent NamedEvent::open(std::string_view name, EventRight right) {
     std::error_code why; // an absent event is the whole answer
-    return {openPipe(namedObjectPath(name), why), right};
+    return {openObject(name, S_IFIFO, why), right};
 }
 
 NamedEvent NamedEvent::create(std::string_view name, EventRight right, std::error_code& why) {
-    why = makeNamedObjectFolder();
-    if (why)
-        return {};
-    const std::string path = namedObjectPath(name);
-    if (::mkfifo(path.c_str(), kObjectMode) == 0)
-        ::chmod(path.c_str(), kObjectMode); // past the umask; who made it may do that
-    else if (errno != EEXIST) {
-        why = lastFailure();
-        return {};
-    }
-    return {openPipe(path, why), right};
+    return {openOrCreateObject(name, S_IFIFO, why), right};
 }
 
 bool NamedEvent::isInUse(std::string_view name) {

@@ -26,7 +26,7 @@ std::error_code giveSize(int file, std::size_t size) {
 } // namespace
 
 NamedMemory::NamedMemory(std::string_view name, std::size_t size) : m_size(size) {
-    const Descriptor file = openOrCreateObjectFile(name, m_failure);
+    const Descriptor file = openOrCreateObject(name, S_IFREG, m_failure);
     if (!file.isOpen())
         return;
     m_failure = giveSize(file.value(), size);

@@ -7,7 +7,7 @@
 
 namespace os {
 
-NamedMutex::NamedMutex(std::string_view name) : m_file(openOrCreateObjectFile(name, m_failure)) {}
+NamedMutex::NamedMutex(std::string_view name) : m_file(openOrCreateObject(name, S_IFREG, m_failure)) {}
 
 void NamedMutex::lock() {
     m_inProcess.lock(); // the file's lock does not tell the threads of one process apart
