@@ -3,6 +3,7 @@
 #include "platform/ByteBuffer.h"
 #include "platform/WideText.h"
 #include "platform/os/DeviceRoot.h"
+#include "platform/os/FileBuffer.h"
 #include "platform/os/FileSync.h"
 
 #include <algorithm>
@@ -27,7 +28,10 @@ std::ios::openmode standardMode(std::uint8_t mode) {
 } // namespace
 
 FileStream::FileStream(const std::wstring& path, std::uint8_t mode)
-    : m_hostPath(os::hostPath(toNarrow(path))), m_file(m_hostPath, standardMode(mode)), m_openMode(mode) {}
+    : m_hostPath(os::hostPath(toNarrow(path))),
+      m_buffer(os::openFileBuffer(m_hostPath, standardMode(mode))),
+      m_file(m_buffer.get()),
+      m_openMode(mode) {}
 
 FileStream::~FileStream() { FileStream::close(); }
 
@@ -66,23 +70,25 @@ std::int32_t FileStream::writeBlock(const void* buffer, std::int32_t size) {
     return m_file.fail() ? StreamFailed : static_cast<std::int32_t>(count);
 }
 
-// Through the buffer: the stream itself does not move once it has met the end.
+// Uses the buffer: the stream itself does not seek after it has met the end.
 std::uint32_t FileStream::size() {
-    std::filebuf& file = *m_file.rdbuf();
-    const std::streamoff position = file.pubseekoff(0, std::ios::cur, std::ios::in);
-    const std::streamoff length = file.pubseekoff(0, std::ios::end, std::ios::in);
-    file.pubseekoff(position, std::ios::beg, std::ios::in);
+    if (!m_buffer)
+        return 0;
+    const std::streamoff position = m_buffer->pubseekoff(0, std::ios::cur, std::ios::in);
+    const std::streamoff length = m_buffer->pubseekoff(0, std::ios::end, std::ios::in);
+    m_buffer->pubseekoff(position, std::ios::beg, std::ios::in);
     return length < 0 ? 0 : static_cast<std::uint32_t>(length);
 }
 
 bool FileStream::sync() {
     m_file.flush();
-    return m_file.is_open() && !m_file.bad() && !os::syncFile(m_hostPath);
+    return m_buffer && m_buffer->is_open() && !m_file.bad() && !os::syncFile(m_hostPath);
 }
 
 void FileStream::close() {
-    if (!m_file.is_open())
+    if (!m_buffer || !m_buffer->is_open())
         return;
     m_file.flush();
-    m_file.close();
+    if (m_buffer->close() == nullptr)
+        m_file.setstate(std::ios::failbit);
 }

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <fstream>
+#include <istream>
+#include <memory>
 #include <string>
 
 class ByteBuffer;
@@ -57,6 +59,7 @@ private:
     [[nodiscard]] std::int32_t writeBlock(const void* buffer, std::int32_t size);
 
     const std::string m_hostPath;
-    std::fstream m_file;
+    const std::unique_ptr<std::filebuf> m_buffer; // null if the file could not be opened
+    std::iostream m_file;
     const std::uint8_t m_openMode;
 };

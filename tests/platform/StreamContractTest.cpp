@@ -4,6 +4,7 @@
 #include "tests/support/ProbedThread.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <future>
 #include <span>
 
@@ -83,6 +84,19 @@ TEST_P(StreamContract, ClosesAsOftenAsAskedAndMovesNothingAfterwards) {
     writer->close();
     writer->close();
     EXPECT_EQ(writer->write("x", 1), StreamFailed);
+}
+
+auto inheritedDescriptors() {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::ranges::count_if(descriptors, [](const auto& entry) {
+        return ::fcntl(std::stoi(entry.path().filename()), F_GETFD) == 0;
+    });
+}
+
+TEST_P(StreamContract, IsNotInheritedByOtherPrograms) {
+    const auto before = inheritedDescriptors();
+    const auto stream = medium->writer();
+    EXPECT_EQ(inheritedDescriptors(), before);
 }
 
 TEST_P(StreamContract, HasItsNumberItsKindAndItsStatus) {
