@@ -76,10 +76,11 @@ private:
     bool m_closed = true;           // guarded by m_lock
 };
 
-/// Opens the device at @p path, a path of the host: a character device, for reading and writing, never as
-/// the controlling terminal and with its settings as they are; or a Unix stream socket, by connecting to it.
-/// Returns an absent descriptor if there is none, if it refuses, or if the path leads to anything else.
-/// Thread: any. Does not block.
+/// Opens the device at @p path, a path of the host: a character device, for reading and writing and never as
+/// the controlling terminal, or a Unix stream socket, by connecting to it. A terminal is set to raw mode, its
+/// speed unchanged; neither opening nor closing it discards bytes.
+/// Returns an absent descriptor if there is no such device, if it refuses, or if the path leads to anything
+/// else. Thread-safe. Does not block.
 Descriptor openDevice(const std::string& path);
 
 } // namespace os

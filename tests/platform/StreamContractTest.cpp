@@ -81,8 +81,10 @@ TEST_P(StreamContract, ClosesAsOftenAsAskedAndMovesNothingAfterwards) {
     EXPECT_LE(reader->read(&byte, 1), 0);
     EXPECT_EQ(byte, '-');
     const auto writer = medium->writer();
+    EXPECT_EQ(writer->write("last", 4), 4);
     writer->close();
     writer->close();
+    EXPECT_EQ(medium->take(4), "last") << "closing discards nothing";
     EXPECT_EQ(writer->write("x", 1), StreamFailed);
 }
 

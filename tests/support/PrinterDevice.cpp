@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <termios.h>
 #include <unistd.h>
 
 namespace {
@@ -43,11 +42,6 @@ public:
         EXPECT_EQ(::unlockpt(m_other.value()), 0);
         char name[64] = {};
         EXPECT_EQ(::ptsname_r(m_other.value(), name, sizeof name), 0);
-        m_kept = os::Descriptor(::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC));
-        termios settings{};
-        EXPECT_EQ(::tcgetattr(m_kept.value(), &settings), 0);
-        ::cfmakeraw(&settings);
-        EXPECT_EQ(::tcsetattr(m_kept.value(), TCSANOW, &settings), 0);
         std::filesystem::create_symlink(name, devicePathIn(root));
     }
 
@@ -57,7 +51,6 @@ public:
 
 private:
     os::Descriptor m_other;
-    os::Descriptor m_kept; // or the settings would go with the last to close it
 };
 
 } // namespace

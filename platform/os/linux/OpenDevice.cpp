@@ -5,16 +5,29 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
 
 namespace os {
 namespace {
+
+// Frames are bytes: a terminal must neither translate nor echo them. Nothing that has arrived is discarded.
+bool setRaw(const Descriptor& terminal) {
+    termios settings{};
+    if (::tcgetattr(terminal.value(), &settings) != 0)
+        return false;
+    ::cfmakeraw(&settings);
+    return retried([&] { return ::tcsetattr(terminal.value(), TCSANOW, &settings); }) == 0;
+}
 
 Descriptor openCharacterDevice(const std::string& path) {
     constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
     Descriptor device(retried([&] { return ::open(path.c_str(), kFlags); }));
     struct stat status {};
-    // Asked again: the path can lead elsewhere by now.
+    // Checked again: the path can lead elsewhere by now.
     if (!device.isOpen() || ::fstat(device.value(), &status) != 0 || !S_ISCHR(status.st_mode))
+        return {};
+    if (::isatty(device.value()) == 1 && !setRaw(device))
         return {};
     return device;
 }
