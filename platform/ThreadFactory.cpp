@@ -7,7 +7,8 @@
 ThreadFactory::ThreadFactory(std::int32_t reaperPriority)
     : m_wake(std::make_unique<SimpleEvent>(true)), m_finished(std::make_unique<SimpleEvent>(true)) {
     m_reaper = createThread(reap, reaperPriority, 0);
-    m_reaper->start(this);
+    if (!m_reaper->start(this))
+        m_finished->signal(); // or the destructor would wait for ever
 }
 
 ThreadFactory::~ThreadFactory() {

@@ -13,7 +13,7 @@
 /// wants to wait for.
 class ThreadFactory {
 public:
-    /// Starts the reaper at @p reaperPriority.
+    /// Starts the reaper at @p reaperPriority. If the host cannot create it, the destructor does its work.
     explicit ThreadFactory(std::int32_t reaperPriority);
 
     /// Ends the reaper, which deletes what it was given before. Blocks at most 500 ms for each thread there.

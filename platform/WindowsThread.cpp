@@ -11,13 +11,16 @@ WindowsThread::WindowsThread(Routine routine, std::int32_t priority, std::uint8_
 
 WindowsThread::~WindowsThread() { WindowsThread::stop(); }
 
-void WindowsThread::start(void* argument) {
+bool WindowsThread::start(void* argument) {
     if (m_started)
-        return;
+        return true;
     m_handle = os::NativeThread(m_routine, argument, m_stackOption);
+    if (!m_handle.isPresent())
+        return false;
     static_cast<void>(setPriority(m_priority)); // a routine at another priority is better than none
     m_started = true;
     m_handle.resume(); // the last: the routine may drop this object
+    return true;
 }
 
 bool WindowsThread::setPriority(std::int32_t priority) {

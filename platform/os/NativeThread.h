@@ -9,8 +9,8 @@ namespace os {
 
 /// One thread of the host: made held back, given a priority, let run, waited for or let go.
 ///
-/// An empty one, also where the host refused the thread, answers false to setPriority(), true to waitForEnd()
-/// and does nothing else.
+/// An absent one, also where the host cannot create the thread, returns false from setPriority() and true from
+/// waitForEnd(), and does nothing else.
 class NativeThread {
 public:
     using Routine = std::uint32_t (*)(void* argument);
@@ -28,6 +28,8 @@ public:
     NativeThread& operator=(NativeThread&& other) noexcept;
     NativeThread(const NativeThread&) = delete;
     NativeThread& operator=(const NativeThread&) = delete;
+
+    [[nodiscard]] bool isPresent() const { return m_state != nullptr; }
 
     /// Lets the routine run.
     void resume();

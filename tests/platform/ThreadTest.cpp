@@ -1,7 +1,9 @@
 #include "tests/support/DeviceRootTest.h"
+#include "tests/support/NoThreads.h"
 
 #include "platform/SimpleEvent.h"
 #include "platform/ThreadFactory.h"
+#include "platform/Worker.h"
 
 #include <atomic>
 #include <sched.h>
@@ -49,8 +51,8 @@ protected:
 TEST_F(Threads, TheRoutineRunsOnceHoweverOftenItIsStarted) {
     const auto thread = made();
     EXPECT_EQ(work.runs, 0);
-    thread->start(&work);
-    thread->start(&work);
+    ASSERT_TRUE(thread->start(&work));
+    ASSERT_TRUE(thread->start(&work));
     work.begun.wait();
     work.order.signal();
     thread->stop();
@@ -73,7 +75,7 @@ TEST_F(Threads, TheRoutineFindsItsPriorityFromItsFirstInstructionOn) {
     for (const PriorityRow& row : kRows) {
         Work own;
         const auto thread = made(row.priority);
-        thread->start(&own);
+        ASSERT_TRUE(thread->start(&own));
         own.begun.wait();
         if (thread->setPriority(row.priority)) { // refused only where the process may not do that
             EXPECT_EQ(own.policy, row.policy) << row.priority;
@@ -86,7 +88,7 @@ TEST_F(Threads, TheRoutineFindsItsPriorityFromItsFirstInstructionOn) {
 TEST_F(Threads, APriorityIsRefusedOffTheScaleAndWithoutARunningThread) {
     const auto thread = made();
     EXPECT_FALSE(thread->setPriority(255));
-    thread->start(&work);
+    ASSERT_TRUE(thread->start(&work));
     EXPECT_FALSE(thread->setPriority(256));
     EXPECT_FALSE(thread->setPriority(-1));
     EXPECT_TRUE(thread->setPriority(255));
@@ -103,7 +105,7 @@ TEST_F(Threads, WhatWasNeverStartedOrHasEndedStopsWithoutWaiting) {
         Work own;
         own.order.signal();
         const auto thread = made();
-        thread->start(&own);
+        ASSERT_TRUE(thread->start(&own));
         EXPECT_TRUE(eventually([&] { return own.ended == 1; }));
     }
     EXPECT_LT(Clock::now() - begin, kThreads * kStopLimit);
@@ -114,12 +116,27 @@ TEST_F(Threads, ARoutineThatDoesNotEndIsLetGoAfterTheLimit) {
     const Clock::time_point begin = Clock::now();
     {
         const auto thread = made();
-        thread->start(own.get());
+        ASSERT_TRUE(thread->start(own.get()));
     }
     EXPECT_GE(Clock::now() - begin, kStopLimit);
     EXPECT_EQ(own->ended, 0);
     own->order.signal();
     EXPECT_TRUE(eventually([&] { return own->ended == 1; }));
+}
+
+TEST_F(Threads, AThreadThatCannotBeCreatedIsNotStarted) {
+    const auto thread = made();
+    const auto captured = std::make_shared<int>();
+    {
+        const NoThreads none;
+        EXPECT_FALSE(thread->start(&work));
+        EXPECT_FALSE(Worker(factory, kThreadPriority).start([captured] {}));
+        const ThreadFactory brief(kThreadPriority); // its destructor does not wait for the reaper
+    }
+    EXPECT_EQ(captured.use_count(), 1) << "the function is destroyed";
+    EXPECT_EQ(work.runs, 0);
+    work.order.signal();
+    EXPECT_TRUE(thread->start(&work)) << "the next attempt";
 }
 
 TEST_F(Threads, AThreadMayDropItself) {
@@ -135,7 +152,7 @@ TEST_F(Threads, AThreadMayDropItself) {
             return 0;
         },
         kThreadPriority, 0);
-    self.thread->start(&self);
+    ASSERT_TRUE(self.thread->start(&self));
     EXPECT_TRUE(eventually([&] { return self.dropped.load(); }));
 }
 
@@ -153,7 +170,7 @@ TEST_F(Threads, AFactoryThatIsDroppedAtOnceEndsAndDeletesWhatItWasGiven) {
 TEST_F(Threads, TheReaperDeletesWhatItIsGiven) {
     const std::uint32_t before = Thread::liveCount();
     auto thread = made();
-    thread->start(&work);
+    ASSERT_TRUE(thread->start(&work));
     work.order.signal();
     factory.bury(std::move(thread));
     EXPECT_TRUE(eventually([&] { return Thread::liveCount() == before; }));
