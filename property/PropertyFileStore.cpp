@@ -1,6 +1,5 @@
 #include "property/PropertyFileStore.h"
 
-#include "platform/ThreadFactory.h"
 #include "property/Property.h"
 #include "property/PropertyFileWriter.h"
 #include "property/PropertyKey.h"
@@ -20,24 +19,19 @@ void loadIfValid(Property& property, std::string_view value) {
     }
 }
 
-// The thread shares ownership, so it can outlive the store.
-std::uint32_t runWriter(void* argument) {
-    const std::unique_ptr<std::shared_ptr<PropertyFileWriter>> writer(
-        static_cast<std::shared_ptr<PropertyFileWriter>*>(argument));
-    (*writer)->run();
-    return 0;
-}
-
 } // namespace
 
 PropertyFileStore::PropertyFileStore(const std::shared_ptr<ThreadFactory>& threads,
                                      std::int32_t writerPriority)
     : m_writer(std::make_shared<PropertyFileWriter>()),
-      m_writeThread(threads->createThread(runWriter, writerPriority, 0)) {
-    m_writeThread->start(new std::shared_ptr<PropertyFileWriter>(m_writer));
-}
+      m_writeThread(*threads, writerPriority),
+      m_writesOnThread(m_writeThread.start([writer = m_writer] { writer->run(); })) {}
 
-PropertyFileStore::~PropertyFileStore() { m_writer->stop(); }
+PropertyFileStore::~PropertyFileStore() {
+    m_writer->stop();
+    if (!m_writesOnThread)
+        m_writer->run(); // returns after it has written
+}
 
 bool PropertyFileStore::parseFile(const std::wstring& path, PropertyFileEntries& entries) {
     std::optional<std::string> bytes = readPropertyFile(path);

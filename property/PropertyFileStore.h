@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/KeltoMutex.h"
-#include "platform/Thread.h"
+#include "platform/Worker.h"
 #include "property/PropertyFileEntries.h"
 
 #include <cstdint>
@@ -20,11 +20,12 @@ class ThreadFactory;
 /// do not exist yet, and owns the writer thread. Thread-safe.
 class PropertyFileStore {
 public:
-    /// Starts the writer thread at @p writerPriority.
+    /// Starts the writer thread at @p writerPriority. If the host cannot create it, the next load and the
+    /// destructor write the queued lines.
     PropertyFileStore(const std::shared_ptr<ThreadFactory>& threads, std::int32_t writerPriority);
 
     /// Blocks for up to 500 ms while the writer thread writes the queued lines; after that it finishes
-    /// detached.
+    /// detached. Without a thread it blocks until they are written.
     ~PropertyFileStore();
 
     PropertyFileStore(const PropertyFileStore&) = delete;
@@ -67,5 +68,6 @@ private:
     // The remaining entries of each load, the first load first.
     std::vector<PropertyFileEntries> m_placeholders KELTO_GUARDED_BY(m_placeholderLock);
     std::shared_ptr<PropertyFileWriter> m_writer;
-    std::shared_ptr<Thread> m_writeThread;
+    Worker m_writeThread;
+    const bool m_writesOnThread; // false if the host could not create the thread
 };

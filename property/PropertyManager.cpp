@@ -1,6 +1,5 @@
 #include "property/PropertyManager.h"
 
-#include "platform/ThreadFactory.h"
 #include "platform/WideText.h"
 #include "property/BoolProperty.h"
 #include "property/PropertyFileWriter.h"
@@ -53,7 +52,7 @@ PropertyManager::PropertyManager(const std::shared_ptr<ThreadFactory>& threads, 
                                  std::wstring overrideFileName)
     : m_removals(std::make_shared<Removals>()),
       m_self(std::make_shared<Self>()),
-      m_removalThread(threads->createThread(runRemovals, removalPriority, 0)),
+      m_removalThread(*threads, removalPriority),
       m_fileName(std::move(fileName)),
       m_overrideFileName(std::move(overrideFileName)),
       m_fileStore(threads, writerPriority) {
@@ -144,8 +143,8 @@ void PropertyManager::writeWhenChanged(Property& property) {
 }
 
 void PropertyManager::startWorker() {
-    if (!std::exchange(m_workerIsStarted, true))
-        m_removalThread->start(new std::shared_ptr<Removals>(m_removals));
+    m_workerIsStarted =
+        m_workerIsStarted || m_removalThread.start([removals = m_removals] { runRemovals(*removals); });
 }
 
 void PropertyManager::removeProperty(const std::shared_ptr<Property>& property,
@@ -160,9 +159,7 @@ void PropertyManager::removeProperty(const std::shared_ptr<Property>& property,
     m_removals->event->set(WorkBit);
 }
 
-std::uint32_t PropertyManager::runRemovals(void* argument) {
-    const std::unique_ptr<std::shared_ptr<Removals>> held(static_cast<std::shared_ptr<Removals>*>(argument));
-    Removals& removals = **held;
+void PropertyManager::runRemovals(Removals& removals) {
     while ((removals.event->waitAny(WorkBit | StopBit) & StopBit) == 0) {
         while (const std::optional<RemovalRequest> request = removals.take()) {
             const KeltoGuard guard(removals.self->lock);
@@ -170,7 +167,6 @@ std::uint32_t PropertyManager::runRemovals(void* argument) {
                 removals.self->manager->carryOut(*request);
         }
     }
-    return 0;
 }
 
 void PropertyManager::carryOut(const RemovalRequest& request) {

@@ -51,7 +51,8 @@ public:
     /// if the table has another property of that key. Thread: any.
     bool addPersistentProperty(const std::shared_ptr<Property>& property);
 
-    /// Starts the removal worker. Thread: the first.
+    /// Starts the removal worker. If the host cannot create its thread, removals wait until a later call
+    /// succeeds. Thread: the first.
     void startWorker();
 
     /// Set to true, it loads the files again. It is in no table: the manager's owner alone can fire it.
@@ -61,7 +62,7 @@ private:
     struct Removals;
     struct Self;
 
-    static std::uint32_t runRemovals(void* argument);
+    static void runRemovals(Removals& removals);
     bool load();
     bool storeAll();
     [[nodiscard]] bool isRegistered(const Property& property) const KELTO_REQUIRES(m_persistentLock);
@@ -70,7 +71,7 @@ private:
 
     std::shared_ptr<Removals> m_removals;
     std::shared_ptr<Self> m_self;
-    std::shared_ptr<Thread> m_removalThread;
+    Worker m_removalThread;
     bool m_workerIsStarted = false;
     std::deque<std::shared_ptr<Property>> m_persistentProperties KELTO_GUARDED_BY(m_persistentLock);
     KeltoMutex m_persistentLock; // serialises the queuing of writes, too

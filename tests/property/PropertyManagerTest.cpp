@@ -9,6 +9,7 @@
 #include "property/UInt32Property.h"
 
 #include "tests/support/DeviceRootTest.h"
+#include "tests/support/NoThreads.h"
 
 #include <atomic>
 #include <csignal>
@@ -517,6 +518,16 @@ TEST_F(PropertyManagerTest, AnOverrideThatWaitsForRoomIsNotTakenAgainOverALaterS
     finish();
     EXPECT_EQ(read(file()), good("G:A|g:n=9\nG:B|g:n=2\n"));
     EXPECT_FALSE(std::filesystem::exists(overrideFile()));
+}
+
+TEST_F(PropertyManagerTest, WithoutAThreadTheEndWritesWhatIsQueued) {
+    {
+        const NoThreads none;
+        start();
+    }
+    add<UInt32Property>("A", 0U)->setValue(1);
+    finish();
+    EXPECT_EQ(read(file()), good("G:A|g:n=1\n"));
 }
 
 TEST_F(PropertyManagerTest, AfterItsEndNothingMoreIsWritten) {
