@@ -3,7 +3,8 @@
 #include "picl/DebugZones.h"
 #include "picl/PICLServerAgent.h"
 #include "platform/OXPLStreamDriverInterface.h"
-#include "platform/ThreadFactory.h"
+#include "platform/Thread.h"
+#include "platform/Worker.h"
 #include "prefs/ApplicationIdentity.h"
 #include "prefs/DisplayPreferences.h"
 #include "property/MakeProperty.h"
@@ -52,8 +53,7 @@ bool PICLIF::connectToSocket(const IPv4Address& address, std::uint16_t port) {
     if (!m_socket)
         return false;
     m_stream = m_socket;
-    startConnection();
-    return true;
+    return startConnection();
 }
 
 bool PICLIF::connectToDevice(const std::wstring& name) {
@@ -62,8 +62,7 @@ bool PICLIF::connectToDevice(const std::wstring& name) {
     if (!m_streamDriver->isOpen())
         return false;
     m_stream = m_streamDriver;
-    startConnection();
-    return true;
+    return startConnection();
 }
 
 std::shared_ptr<Property> PICLIF::makeComponentProperty() const {
@@ -74,28 +73,26 @@ std::shared_ptr<Property> PICLIF::makeComponentProperty() const {
 }
 
 // The agent knows the properties before the first frame is sent, and publishes before anything is read.
-void PICLIF::startConnection() {
+bool PICLIF::startConnection() {
     m_agent = std::make_shared<PICLServerAgent>(m_propertyManager, m_threads, kThreadPriority,
                                                 makeComponentProperty());
     m_propertyManager->setPublisher(m_agent);
     m_agent->setPublishStream(m_stream);
-    m_agent->startPublishing();
-    startReading();
-    createDebugZones(*m_propertyManager);
-}
-
-void PICLIF::startReading() {
-    m_reading = std::make_shared<Reading>(m_agent, m_stream);
-    m_readerThread = m_threads->createThread(read, kThreadPriority, 0);
-    m_readerThread->start(new std::shared_ptr<Reading>(m_reading));
-}
-
-std::uint32_t PICLIF::read(void* reading) {
-    const std::unique_ptr<std::shared_ptr<Reading>> owned(static_cast<std::shared_ptr<Reading>*>(reading));
-    const Reading& mine = **owned;
-    while (mine.running && mine.agent->processNextMessage(mine.stream)) {
+    if (!m_agent->startPublishing() || !startReading()) {
+        disconnect();
+        return false;
     }
-    return 0;
+    createDebugZones(*m_propertyManager);
+    return true;
+}
+
+bool PICLIF::startReading() {
+    m_reading = std::make_shared<Reading>(m_agent, m_stream);
+    m_readerThread = std::make_unique<Worker>(*m_threads, kThreadPriority);
+    return m_readerThread->start([reading = m_reading] {
+        while (reading->running && reading->agent->processNextMessage(reading->stream)) {
+        }
+    });
 }
 
 // The goodbye needs the stream, so that goes last; its end is what wakes a reader, and a publisher that is

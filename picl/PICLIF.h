@@ -13,8 +13,8 @@ class Property;
 class PublishingPropertyManager;
 class Stream;
 class StringProperty;
-class Thread;
 class ThreadFactory;
+class Worker;
 
 /// What the application sees of the property system: the connection to the property server, the agent that
 /// speaks on it and the thread that reads from it; beside it the properties that come with a connection.
@@ -60,10 +60,9 @@ public:
 private:
     struct Reading;
 
-    static std::uint32_t read(void* reading);
     [[nodiscard]] std::shared_ptr<Property> makeComponentProperty() const;
-    void startConnection();
-    void startReading();
+    [[nodiscard]] bool startConnection();
+    [[nodiscard]] bool startReading();
 
     std::shared_ptr<Stream> m_stream;
     std::shared_ptr<OXPLStreamDriverInterface> m_streamDriver;
@@ -76,6 +75,6 @@ private:
     const std::shared_ptr<StringProperty> m_firmwareVersion;
     const std::shared_ptr<StringProperty> m_firmwareBuildNumber;
     std::shared_ptr<Reading> m_reading;
-    std::unique_ptr<Thread> m_readerThread;
+    std::unique_ptr<Worker> m_readerThread;
     const std::string m_applicationName;
 };

@@ -1,7 +1,6 @@
 #include "picl/PICLInterface.h"
 
 #include "picl/PropertyReports.h"
-#include "platform/ThreadFactory.h"
 #include "property/MakeProperty.h"
 #include "property/PropertyManager.h"
 #include "property/UInt32Property.h"
@@ -24,12 +23,6 @@ std::shared_ptr<UInt32Property> publishingPeriodIn(PropertyManager& manager) {
     return period;
 }
 
-std::uint32_t runBody(void* argument) {
-    const std::unique_ptr<std::function<void()>> body(static_cast<std::function<void()>*>(argument));
-    (*body)();
-    return 0;
-}
-
 } // namespace
 
 PICLInterface::PICLInterface(std::shared_ptr<PropertyManager> manager,
@@ -39,7 +32,7 @@ PICLInterface::PICLInterface(std::shared_ptr<PropertyManager> manager,
       m_lists(std::make_shared<PublishLists>()),
       m_publishingPeriod(publishingPeriodIn(*m_propertyManager)),
       m_componentProperty(std::move(component)),
-      m_publisherThread(threads->createThread(runBody, priority, 0)) {}
+      m_publisherThread(*threads, priority) {}
 
 PICLInterface::~PICLInterface() = default;
 
@@ -51,12 +44,12 @@ void PICLInterface::removeProperty(std::shared_ptr<Property> property) {
     m_lists->remove(std::move(property));
 }
 
-void PICLInterface::startPublishing() {
-    if (!std::exchange(m_isPublishing, true))
-        m_publisherThread->start(new std::function<void()>(run()));
+bool PICLInterface::startPublishing() {
+    m_isPublishing = m_isPublishing || m_publisherThread.start(run());
+    return m_isPublishing;
 }
 
-void PICLInterface::stopPublishing() { m_publisherThread->stop(); }
+void PICLInterface::stopPublishing() { m_publisherThread.stop(); }
 
 void PICLInterface::getProperties(const PropertyGetRequests& requests,
                                   PropertyGetResponses& responses) const {

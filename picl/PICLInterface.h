@@ -2,7 +2,7 @@
 
 #include "picl/PropertyRecords.h"
 #include "picl/PublishLists.h"
-#include "platform/Thread.h"
+#include "platform/Worker.h"
 
 #include <cstdint>
 #include <functional>
@@ -41,8 +41,9 @@ public:
     /// Publishes that @p property has gone, with its last value. Thread: any.
     virtual void removeProperty(std::shared_ptr<Property> property);
 
-    /// Starts the publisher thread, at the first call. Thread: the owner's.
-    virtual void startPublishing();
+    /// Starts the publisher thread unless it runs. Returns false if the host cannot create it. Thread: the
+    /// owner's.
+    virtual bool startPublishing();
 
     /// Appends the answers to @p requests in their order: a report on each property, on all of a group where
     /// no GUID is told, or that there is none. Thread: any.
@@ -85,6 +86,6 @@ protected:
     const std::shared_ptr<Property> m_componentProperty;
 
 private:
-    const std::unique_ptr<Thread> m_publisherThread;
+    Worker m_publisherThread;
     bool m_isPublishing = false;
 };

@@ -23,7 +23,7 @@ public:
     /// Runs the routine with @p argument, at the priority from its first instruction on. Returns false if the
     /// host cannot create the thread: then the thread is not started. Returns true at once if it is started
     /// already. Requires: @p argument lives until the routine ends.
-    virtual bool start(void* argument) = 0;
+    [[nodiscard]] virtual bool start(void* argument) = 0;
 
     /// Asks the host for @p priority. Returns false, and keeps the old one, if it refuses or the thread does
     /// not run.

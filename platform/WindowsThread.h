@@ -9,7 +9,7 @@ public:
     WindowsThread(Routine routine, std::int32_t priority, std::uint8_t stackOption);
     ~WindowsThread() override;
 
-    bool start(void* argument) override;
+    [[nodiscard]] bool start(void* argument) override;
     [[nodiscard]] bool setPriority(std::int32_t priority) override;
     void stop() override;
 

@@ -9,6 +9,7 @@
 #include "property/PublishingPropertyManager.h"
 #include "tests/picl/ScriptedPeer.h"
 #include "tests/support/LoopbackPort.h"
+#include "tests/support/NoThreads.h"
 #include "tests/support/PrinterDevice.h"
 #include "json/JSONImporterExporter.h"
 
@@ -120,6 +121,16 @@ TEST_F(Client, WithoutAServerTheDefaultsRule) {
     EXPECT_FALSE(client->agent());
     client->completeSetup();
     EXPECT_EQ(client->displayPreferences()->dotsPerInch()->getValue(), 300U);
+}
+
+TEST_F(Client, AThreadThatCannotBeCreatedEndsTheConnectionOnly) {
+    {
+        const NoThreads none;
+        ASSERT_FALSE(client->connectToDevice(L"PRN0:"));
+    }
+    HandleStream peer(device->takeOtherSide());
+    EXPECT_NE(lastText(peer), "") << "the first frame, and then the end";
+    EXPECT_NE(nextText(*connect()), "") << "a later connection works";
 }
 
 TEST_F(Client, DebugZonesFollowTheirPropertiesAndWhatIsStored) {
