@@ -115,7 +115,7 @@ void PICLServerAgent::subscribe(const PropertyGetRequest& request, MirrorMaker m
                                 std::uint32_t timeoutMs) {
     if (m_publishStream->isEmpty())
         return;
-    const std::shared_ptr<PendingResult> result = m_pendingRequests.add(
+    const std::shared_ptr<PendingResult> result = m_pendingRequests.addPending(
         request, [this, makeMirror](const PropertyGetResponse& report) { keepMirror(report, makeMirror); });
     JSONPICL message;
     message.addSubscribeRequest(request);

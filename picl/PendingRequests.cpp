@@ -27,7 +27,8 @@ void finish(const std::shared_ptr<PendingResult>& result, const PropertyGetRespo
 
 } // namespace
 
-std::shared_ptr<PendingResult> PendingRequests::add(PropertyGetRequest request, PendingResult::Taker taker) {
+std::shared_ptr<PendingResult> PendingRequests::addPending(PropertyGetRequest request,
+                                                           PendingResult::Taker taker) {
     auto result = std::make_shared<PendingResult>(std::move(taker));
     const KeltoGuard guard(m_lock);
     m_requests.push_back({std::move(request), result});

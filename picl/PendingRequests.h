@@ -36,8 +36,8 @@ public:
     /// Groups of other programs that a message reported on: component, group.
     using Groups = std::set<std::pair<std::string, std::string>>;
 
-    /// Adds a question behind the others and returns where its answer will stand.
-    std::shared_ptr<PendingResult> add(PropertyGetRequest request, PendingResult::Taker taker = {});
+    /// Appends a request and returns its result, which is filled when the answer arrives.
+    std::shared_ptr<PendingResult> addPending(PropertyGetRequest request, PendingResult::Taker taker = {});
 
     /// Ends the question of @p result, if it is still there, without an answer.
     void withdraw(const std::shared_ptr<PendingResult>& result);

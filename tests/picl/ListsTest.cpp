@@ -108,7 +108,7 @@ TEST(PendingRequests, EndAsTheirAnswersCome) {
         PendingRequests pending;
         std::vector<std::shared_ptr<PendingResult>> results;
         for (const PropertyGetRequest& question : row.questions)
-            results.push_back(pending.add(question));
+            results.push_back(pending.addPending(question));
         row.message(pending);
         for (std::size_t i = 0; i < results.size(); ++i) {
             const bool isAnswered = results[i]->answered.wait(0);
@@ -119,8 +119,8 @@ TEST(PendingRequests, EndAsTheirAnswersCome) {
 
 TEST(PendingRequests, AWithdrawnQuestionLeavesTheLikeOfItInPlace) {
     PendingRequests pending;
-    const auto first = pending.add({"C", "G", "P"});
-    const auto second = pending.add({"C", "G", "P"});
+    const auto first = pending.addPending({"C", "G", "P"});
+    const auto second = pending.addPending({"C", "G", "P"});
     pending.withdraw(second);
     pending.answerExactly(reportOn("C", "G", "P"));
     EXPECT_TRUE(first->answered.wait(0));
