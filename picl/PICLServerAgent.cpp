@@ -158,10 +158,14 @@ void PICLServerAgent::handleGetAllResponse(const JSONPICL& message) {
 void PICLServerAgent::handleGetResponses(const JSONPICL& message) {
     PendingRequests::Groups touched;
     message.forEachGetResponse([&](const PropertyGetResponse& report) {
-        // Who asks for what has a mirror, asked before the mirror was there.
-        if (report.status == status::kNotFound || updateMirror(report))
+        const bool isMiss = report.status == status::kNotFound;
+        const bool hasMirror = !isMiss && updateMirror(report);
+        if (report.status == status::kNoLongerAvailable)
+            return; // a pending request waits for the report that follows
+        // A pending request for a property with a mirror was sent before the mirror existed.
+        if (isMiss || hasMirror)
             m_pendingRequests.answerExactly(report);
-        else if (report.status != status::kNoLongerAvailable)
+        else
             m_pendingRequests.answer(report, touched);
     });
     m_pendingRequests.finishGroups(touched);

@@ -75,6 +75,20 @@ TEST_F(ExternalProperty, TwoThatAskAtOnceGetTheOneMirror) {
     EXPECT_EQ(mirror, held());
 }
 
+TEST_F(ExternalProperty, ARemovalReportDoesNotAnswerAPendingRequest) {
+    auto one = ask();
+    auto other = ask();
+    EXPECT_EQ(peer->hears(), frameOf(kSubscribe));
+    EXPECT_EQ(peer->hears(), frameOf(kSubscribe));
+    peer->says(ownersReport("1"));
+    peer->says(ownersReport("1", "Property No Longer Available"));
+    peer->says(ownersReport("2"));
+    one.wait();
+    const auto mirror = other.get();
+    ASSERT_TRUE(mirror);
+    EXPECT_EQ(mirror->getValue(), 2U);
+}
+
 TEST_F(ExternalProperty, NoAnswerThatServesMakesNoMirror) {
     for (const std::string& said :
          {ownersReport("1", "Property Not Found"), ownersReport("1", "other"), ownersReport("no number")}) {
