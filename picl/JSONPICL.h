@@ -59,7 +59,7 @@ public:
     /// Marks the reports as the answer to a question for all properties.
     void addGetAllPropertiesResponse();
 
-    /// Says goodbye.
+    /// Announces that the sender disconnects.
     void addDisconnect();
 
     /// Appends the gets and behind them the subscriptions.

@@ -10,7 +10,6 @@
 #include "property/MakeProperty.h"
 #include "property/PublishingPropertyManager.h"
 
-#include <atomic>
 #include <utility>
 
 namespace {
@@ -20,16 +19,6 @@ std::shared_ptr<StringProperty> makeFirmwareProperty(const VocabularyEntry& prop
 }
 
 } // namespace
-
-/// What a reader thread shares with the owner of the connection.
-struct PICLIF::Reading {
-    Reading(std::shared_ptr<PICLServerAgent> theAgent, std::shared_ptr<Stream> theStream)
-        : agent(std::move(theAgent)), stream(std::move(theStream)) {}
-
-    const std::shared_ptr<PICLServerAgent> agent;
-    const std::shared_ptr<Stream> stream;
-    std::atomic<bool> running = true; // while the connection lasts
-};
 
 PICLIF::PICLIF(std::shared_ptr<ThreadFactory> threads, std::shared_ptr<PublishingPropertyManager> manager)
     : m_threads(std::move(threads)),
@@ -87,21 +76,17 @@ bool PICLIF::startConnection() {
 }
 
 bool PICLIF::startReading() {
-    m_reading = std::make_shared<Reading>(m_agent, m_stream);
     m_readerThread = std::make_unique<Worker>(*m_threads, kThreadPriority);
-    return m_readerThread->start([reading = m_reading] {
-        while (reading->running && reading->agent->processNextMessage(reading->stream)) {
+    return m_readerThread->start([agent = m_agent, stream = m_stream] {
+        while (agent->processNextMessage(stream)) {
         }
     });
 }
 
-// The goodbye needs the stream, so that goes last; its end is what wakes a reader, and a publisher that is
-// still inside a write.
+// "Disconnect" needs the stream, so the stream is closed last. Closing it ends a blocked read or write.
 void PICLIF::disconnect() {
-    if (m_reading)
-        m_reading->running = false;
     if (m_agent)
-        m_agent->sayGoodbye();
+        m_agent->disconnect();
     m_agent.reset();
     m_socket.reset();
     m_streamDriver.reset();
@@ -109,5 +94,4 @@ void PICLIF::disconnect() {
         m_stream->close();
     m_stream.reset();
     m_readerThread.reset();
-    m_reading.reset();
 }

@@ -19,9 +19,9 @@ class Worker;
 /// What the application sees of the property system: the connection to the property server, the agent that
 /// speaks on it and the thread that reads from it; beside it the properties that come with a connection.
 ///
-/// A connection is made once and stays lost when it is lost. A second one may be made all the same: it has an
-/// agent and a reader of its own. The reader shares the ownership of what it uses; one that is let go in the
-/// middle of a message touches nothing that is gone. Thread: the first, for all of it.
+/// A lost connection is not made again. A second connection may be made all the same: it has an agent and a
+/// reader of its own. The reader thread shares ownership of what it uses, so it may be detached within a
+/// message. GUI thread only.
 class PICLIF {
 public:
     PICLIF(std::shared_ptr<ThreadFactory> threads, std::shared_ptr<PublishingPropertyManager> manager);
@@ -58,8 +58,6 @@ public:
     }
 
 private:
-    struct Reading;
-
     [[nodiscard]] std::shared_ptr<Property> makeComponentProperty() const;
     [[nodiscard]] bool startConnection();
     [[nodiscard]] bool startReading();
@@ -74,7 +72,6 @@ private:
     std::shared_ptr<DisplayPreferences> m_displayPreferences;
     const std::shared_ptr<StringProperty> m_firmwareVersion;
     const std::shared_ptr<StringProperty> m_firmwareBuildNumber;
-    std::shared_ptr<Reading> m_reading;
     std::unique_ptr<Worker> m_readerThread;
     const std::string m_applicationName;
 };

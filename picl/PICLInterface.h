@@ -74,10 +74,7 @@ protected:
     PICLInterface(std::shared_ptr<PropertyManager> manager, const std::shared_ptr<ThreadFactory>& threads,
                   std::int32_t priority, std::shared_ptr<Property> component);
 
-    [[nodiscard]] bool isPublishing() const { return m_isPublishing; }
-
-    /// Waits for the end of the publisher thread, or lets it go. Requires: it was told to end. Blocks at most
-    /// 500 ms.
+    /// Joins the publisher thread, or detaches it after 500 ms. Requires: the thread was requested to end.
     void stopPublishing();
 
     const std::shared_ptr<PropertyManager> m_propertyManager;

@@ -15,7 +15,6 @@
 namespace {
 
 constexpr std::size_t kLongestValue = frame::kLargestText - 1024; // the keys and GUIDs have room beside it
-constexpr std::uint32_t kGoodbyeLimitMs = 500; // and as much again for the end of its thread
 
 } // namespace
 
@@ -25,23 +24,22 @@ PICLServerAgent::PICLServerAgent(std::shared_ptr<PropertyManager> manager,
     : PICLInterface(std::move(manager), threads, priority, std::move(component)),
       m_publishStream(std::make_shared<PublishStream>()),
       m_publisher(
-          std::make_shared<Publisher>(m_lists, m_publishStream, m_publishingPeriod, m_componentProperty)) {}
+          std::make_shared<Publisher>(m_lists, m_publishStream, m_publishingPeriod, m_componentProperty)),
+      m_disconnectThread(*threads, priority) {}
 
-PICLServerAgent::~PICLServerAgent() { sayGoodbye(); }
+PICLServerAgent::~PICLServerAgent() { disconnect(); }
 
-// The goodbye is the publisher's last act: so it never stands inside another frame, nothing of the publisher
-// follows it, and a peer that takes no byte holds up that thread alone.
-void PICLServerAgent::sayGoodbye() {
-    if (std::exchange(m_saidGoodbye, true))
+// "Disconnect" has a thread of its own: a peer that does not read blocks its write, and the publisher thread
+// may wait for the JSON engine.
+void PICLServerAgent::disconnect() {
+    if (m_publishStream->hasEnded())
         return;
+    m_publishStream->end();
     m_publisher->end();
-    if (!isPublishing() && m_publishStream->isEmpty())
-        m_publishStream->sayGoodbye(); // to nobody
-    else
-        startPublishing(); // where nothing was published yet, for this alone
-    if (isPublishing())
-        static_cast<void>(m_publisher->awaitGoodbye(kGoodbyeLimitMs));
+    if (!m_publishStream->isEmpty()) // without a thread the connection ends without "Disconnect"
+        static_cast<void>(m_disconnectThread.start([stream = m_publishStream] { stream->disconnect(); }));
     stopPublishing();
+    m_disconnectThread.stop();
 }
 
 std::function<void()> PICLServerAgent::run() {
@@ -51,7 +49,8 @@ std::function<void()> PICLServerAgent::run() {
 bool PICLServerAgent::processNextMessage(const std::shared_ptr<Stream>& stream) {
     auto request = std::make_unique<JSONPICL>();
     return request->importFrom(*stream) &&
-           processMessage(stream, std::move(request), std::make_unique<JSONPICL>());
+           processMessage(stream, std::move(request), std::make_unique<JSONPICL>()) &&
+           !m_publishStream->hasEnded();
 }
 
 bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std::unique_ptr<JSONPICL> request,
@@ -141,6 +140,8 @@ void PICLServerAgent::keepMirror(const PropertyGetResponse& report, MirrorMaker 
 
 void PICLServerAgent::handleSetRequests(const JSONPICL& message) {
     message.forEachSetRequest([this](const PropertySetRequest& request) {
+        if (m_publishStream->hasEnded())
+            return;
         if (const std::shared_ptr<Property> property =
                 m_propertyManager->findProperty(request.guid, request.group))
             applyText(*property, request.value);
@@ -158,6 +159,8 @@ void PICLServerAgent::handleGetAllResponse(const JSONPICL& message) {
 void PICLServerAgent::handleGetResponses(const JSONPICL& message) {
     PendingRequests::Groups touched;
     message.forEachGetResponse([&](const PropertyGetResponse& report) {
+        if (m_publishStream->hasEnded())
+            return;
         const bool isMiss = report.status == status::kNotFound;
         const bool hasMirror = !isMiss && updateMirror(report);
         if (report.status == status::kNoLongerAvailable)

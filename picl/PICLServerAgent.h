@@ -24,15 +24,15 @@ class Publisher;
 /// under the lock of the frames, and the properties are read then. No lock is held while an answer is waited
 /// for.
 ///
-/// Lifetime: the publisher thread is given shares of what it uses, never this object. If it is inside a write
-/// that blocks when the agent goes, it is let go and ends with that write; whoever owns the stream ends the
-/// write by closing the stream, after the agent.
+/// Lifetime: the threads of the agent share ownership of what they use, never of this object. A thread that
+/// is blocked in a write on shutdown is detached; the owner of the stream ends the write by closing the
+/// stream.
 class PICLServerAgent : public PICLInterface {
 public:
     PICLServerAgent(std::shared_ptr<PropertyManager> manager, const std::shared_ptr<ThreadFactory>& threads,
                     std::int32_t priority, std::shared_ptr<Property> component);
 
-    /// As sayGoodbye().
+    /// Calls disconnect().
     ~PICLServerAgent() override;
 
     [[nodiscard]] bool processNextMessage(const std::shared_ptr<Stream>& stream) override;
@@ -70,10 +70,9 @@ public:
         return std::dynamic_pointer_cast<T>(m_externalTables.find(component, group, guid));
     }
 
-    /// Ends the publishing for good, with "Disconnect" as the last frame; after it nothing is sent any more.
-    /// For the owner of the connection, where others still hold the agent. May be repeated. A peer that does
-    /// not read gets no goodbye. Thread: the owner's. Blocks at most 1 s, whatever the peer does.
-    void sayGoodbye();
+    /// Ends publishing and reading, and sends "Disconnect" as the last frame. A peer that does not read
+    /// within 500 ms may not receive it. May be called again. Owner's thread only. Blocks for up to 1 s.
+    void disconnect();
 
 private:
     using MirrorMaker = std::shared_ptr<Property> (*)(const PropertyGetResponse& report);
@@ -90,9 +89,9 @@ private:
 
     const std::shared_ptr<PublishStream> m_publishStream;
     const std::shared_ptr<Publisher> m_publisher;
+    Worker m_disconnectThread;
     PendingRequests m_pendingRequests;
     ExternalTables m_externalTables;
-    bool m_saidGoodbye = false;
 };
 
 template <typename T>

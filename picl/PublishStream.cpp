@@ -2,7 +2,25 @@
 
 #include "platform/Stream.h"
 
+#include <cstdint>
 #include <utility>
+
+namespace {
+
+std::string makeDisconnectFrame() {
+    JSONPICL message;
+    message.addDisconnect();
+    return message.toFrame();
+}
+
+bool writeWhole(Stream& stream, const std::string& frame) {
+    const auto size = static_cast<std::int32_t>(frame.size());
+    return stream.write(frame.data(), size) == size;
+}
+
+} // namespace
+
+PublishStream::PublishStream() : m_disconnectFrame(makeDisconnectFrame()) {}
 
 void PublishStream::set(std::shared_ptr<Stream> stream, const std::function<void(const Send&)>& begin) {
     const KeltoGuard frames(m_frameLock);
@@ -16,35 +34,34 @@ void PublishStream::set(std::shared_ptr<Stream> stream, const std::function<void
 bool PublishStream::isEmpty() const { return current() == nullptr; }
 
 bool PublishStream::send(JSONPICL& message) {
+    const std::string frame = message.toFrame();
     const KeltoGuard frames(m_frameLock);
-    return write(message);
+    return write(frame);
 }
 
 bool PublishStream::publish(JSONPICL& message) {
+    const std::string frame = message.toFrame();
     const KeltoGuard frames(m_frameLock);
-    const bool isSent = write(message);
+    const bool isSent = write(frame);
     if (!isSent)
         replace(nullptr);
     return isSent;
 }
 
 bool PublishStream::reply(Stream& stream, JSONPICL& message) {
-    if (isCurrent(stream)) {
-        const KeltoGuard frames(m_frameLock);
-        if (isCurrent(stream))
-            return write(message);
-    }
-    return !hasEnded() && message.exportTo(stream);
+    const std::string frame = message.toFrame();
+    if (!isCurrent(stream))
+        return !hasEnded() && writeWhole(stream, frame);
+    const KeltoGuard frames(m_frameLock);
+    return !hasEnded() && writeWhole(stream, frame);
 }
 
-void PublishStream::sayGoodbye() {
-    JSONPICL message;
-    message.addDisconnect();
+void PublishStream::disconnect() {
+    end();
     const KeltoGuard frames(m_frameLock);
-    static_cast<void>(write(message)); // there is nobody left to tell
+    if (const std::shared_ptr<Stream> stream = current())
+        static_cast<void>(writeWhole(*stream, m_disconnectFrame)); // the connection ends either way
     replace(nullptr);
-    const KeltoGuard guard(m_streamLock);
-    m_hasEnded = true;
 }
 
 std::shared_ptr<Stream> PublishStream::current() const {
@@ -57,17 +74,12 @@ bool PublishStream::isCurrent(const Stream& stream) const {
     return mine && mine->getId() == stream.getId();
 }
 
-bool PublishStream::hasEnded() const {
-    const KeltoGuard guard(m_streamLock);
-    return m_hasEnded;
-}
-
 void PublishStream::replace(std::shared_ptr<Stream> stream) {
-    const KeltoGuard guard(m_streamLock); // the old one leaves with the argument, after it
+    const KeltoGuard guard(m_streamLock); // the old stream is released after the lock, with the argument
     m_stream.swap(stream);
 }
 
-bool PublishStream::write(JSONPICL& message) {
+bool PublishStream::write(const std::string& frame) {
     const std::shared_ptr<Stream> stream = current();
-    return stream && message.exportTo(*stream);
+    return !hasEnded() && stream && writeWhole(*stream, frame);
 }

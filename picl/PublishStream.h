@@ -3,55 +3,61 @@
 #include "picl/JSONPICL.h"
 #include "platform/KeltoMutex.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <string>
 
 class Stream;
 
-/// The one stream on which an endpoint publishes, asks and says goodbye; absent at first.
+/// Serializes outgoing frames on the connection to the property server. Thread-safe.
 ///
-/// Frames stay whole and in order: each is one write under m_frameLock. That nothing follows a frame that
-/// broke off in its middle is the stream's own care. A write can take as long as the stream lets it stall;
-/// whether there is a stream can be asked meanwhile.
+/// Each frame is one write under m_frameLock, so frames are never interleaved. A frame is formatted before
+/// the lock is taken, except in set(). The stream is empty before set(), after a failed publication, and
+/// permanently after disconnect(). isEmpty() and hasEnded() never wait for a write in progress.
 ///
-/// There is none until set(), none after a publication that failed, until set() again, and none for good
-/// after sayGoodbye().
-///
-/// Order of locks: m_frameLock, then m_streamLock.
+/// Lock order: m_frameLock, then m_streamLock.
 class PublishStream {
 public:
     using Send = std::function<bool(JSONPICL&)>;
 
-    /// Makes @p stream, which may be empty, the one, and has @p begin send its first frames before anybody
-    /// else can. Does nothing after sayGoodbye(). Thread: any. Blocks as the streams do.
+    PublishStream();
+
+    /// Replaces the stream and sends its first frames with @p begin before any other thread can send. @p
+    /// stream may be empty. Ignored after end(). Blocks while frames are written.
     void set(std::shared_ptr<Stream> stream, const std::function<void(const Send&)>& begin);
 
-    /// Thread: any. Does not block.
     [[nodiscard]] bool isEmpty() const;
 
-    /// Sends @p message. Returns whether it went out. Thread: any. Blocks as the stream does.
+    /// Sends @p message. Returns false if there is no stream or the write failed. Blocks while writing.
     [[nodiscard]] bool send(JSONPICL& message);
 
-    /// As send(); a failure leaves no stream.
+    /// Like send(); a failure empties the stream.
     bool publish(JSONPICL& message);
 
-    /// Sends @p message on @p stream, between the other frames if it is this one. Returns whether it went
-    /// out; after sayGoodbye() it does not. Thread: any. Blocks as the stream does.
+    /// Sends @p message on @p stream, serialized with the other frames if @p stream is the current one.
+    /// Returns false if the write failed. Blocks while writing.
     [[nodiscard]] bool reply(Stream& stream, JSONPICL& message);
 
-    /// Sends "Disconnect", behind which no frame goes out any more, and lets the stream go. Thread: any.
-    /// Blocks as the stream does.
-    void sayGoodbye();
+    /// Refuses every frame from now on, except "Disconnect". A write in progress completes.
+    void end() { m_hasEnded = true; }
+
+    /// Returns whether end() was called.
+    [[nodiscard]] bool hasEnded() const { return m_hasEnded; }
+
+    /// Calls end(), sends "Disconnect" as the last frame, and releases the stream. Blocks while writing, but
+    /// not for the JSON engine.
+    void disconnect();
 
 private:
     [[nodiscard]] std::shared_ptr<Stream> current() const;
     [[nodiscard]] bool isCurrent(const Stream& stream) const;
-    [[nodiscard]] bool hasEnded() const;
     void replace(std::shared_ptr<Stream> stream) KELTO_REQUIRES(m_frameLock);
-    [[nodiscard]] bool write(JSONPICL& message) KELTO_REQUIRES(m_frameLock);
+    [[nodiscard]] bool write(const std::string& frame) KELTO_REQUIRES(m_frameLock);
 
+    const std::string m_disconnectFrame;
+    std::atomic<bool> m_hasEnded = false; // checked under m_frameLock before each write
     KeltoMutex m_frameLock;
     mutable KeltoMutex m_streamLock;
     std::shared_ptr<Stream> m_stream KELTO_GUARDED_BY(m_streamLock);
-    bool m_hasEnded KELTO_GUARDED_BY(m_streamLock) = false;
 };

@@ -39,8 +39,6 @@ void Publisher::run() {
         publish(std::exchange(reports, {}));
         waitsLeft = waitsPerPeriod();
     }
-    m_stream->sayGoodbye();
-    m_goodbye.signal();
 }
 
 std::uint32_t Publisher::waitsPerPeriod() const { return std::max(m_period->getValue() / kWaitMs, 1U); }

@@ -41,7 +41,7 @@ public:
     }
 
     void leave() {
-        agent->sayGoodbye();
+        agent->disconnect();
         stream->close();
         if (m_reader.joinable())
             m_reader.join();

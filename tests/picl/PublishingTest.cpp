@@ -1,4 +1,7 @@
+#include "picl/PublishStream.h"
 #include "tests/picl/AgentTest.h"
+#include "tests/support/MemoryStream.h"
+#include "json/JSONReader.h"
 
 namespace {
 
@@ -107,7 +110,7 @@ TEST_F(AgentTest, TheGoodbyeIsTheLastFrameWhoeverHoldsTheAgent) {
         if (publishes)
             agent->startPublishing();
         startReader();
-        agent->sayGoodbye();
+        agent->disconnect();
         EXPECT_EQ(peer->hears(), frameOf(kGoodbye));
         EXPECT_FALSE(agent->setExternalValue("OWNER", "XG", "XP", "v"));
         peer->says(R"({"SubscribeAllCurrentAndNewProperties": 0})");
@@ -115,6 +118,49 @@ TEST_F(AgentTest, TheGoodbyeIsTheLastFrameWhoeverHoldsTheAgent) {
         EXPECT_TRUE(peer->heardAll());
         agent = std::make_shared<PICLServerAgent>(manager, threads, kThreadPriority, component);
     }
+}
+
+TEST_F(AgentTest, DisconnectDoesNotWaitForTheJsonEngine) {
+    connect();
+    period->setValue(250);
+    agent->startPublishing();
+    EXPECT_FALSE(peer->hears().empty());
+    const KeltoGuard parsing(jsonEngineLock);
+    period->setValue(0); // the publisher waits for the engine to format its frame
+    EXPECT_TRUE(eventually([&] { return agent->countOfChangedProperties() == 0; }));
+    agent->disconnect();
+    EXPECT_EQ(peer->hears(), frameOf(kGoodbye));
+}
+
+TEST_F(AgentTest, DisconnectEndsAMessageOfManyRecords) {
+    const auto first = add<UInt32Property>("A", 0U);
+    const auto second = add<UInt32Property>("B", 0U);
+    connect();
+    first->addListener([this](const std::shared_ptr<Property>&) { agent->disconnect(); });
+    peer->says(R"({"PropertySetRequests": [{"GUID": "G:A","Value": "1"},{"GUID": "G:B","Value": "1"}]})");
+    EXPECT_FALSE(agent->processNextMessage(peer));
+    EXPECT_EQ(second->getValue(), 0U);
+}
+
+/// A stream that runs a function when it is released.
+class ReleasedStream final : public MemoryStream {
+public:
+    ~ReleasedStream() override { onRelease(); }
+    std::function<void()> onRelease;
+};
+
+TEST(PublishStream, RefusesFramesFromTheReleaseOfTheStreamOn) {
+    PublishStream connection;
+    MemoryStream other;
+    bool isSent = true;
+    auto stream = std::make_shared<ReleasedStream>();
+    stream->onRelease = [&] {
+        JSONPICL late;
+        isSent = connection.reply(other, late);
+    };
+    connection.set(std::move(stream), [](const PublishStream::Send&) {});
+    connection.disconnect();
+    EXPECT_FALSE(isSent);
 }
 
 TEST_F(AgentTest, APeerThatDoesNotReadHoldsUpNobody) {
