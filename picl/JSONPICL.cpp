@@ -154,15 +154,6 @@ constexpr std::array<char, 256> kEscapes = [] {
 
 char escapeOf(char c) { return kEscapes[static_cast<unsigned char>(c)]; }
 
-std::size_t escapedSize(std::string_view text) {
-    std::size_t size = text.size();
-    for (const char c : text) {
-        const char escape = escapeOf(c);
-        size += escape == 0 ? 0U : escape == 'u' ? 5U : 1U;
-    }
-    return size;
-}
-
 } // namespace
 
 void JSONPICL::addSubscribeRequest(PropertyGetRequest request) {
@@ -227,6 +218,15 @@ void JSONPICL::forEachGetResponse(const std::function<void(PropertyGetResponse)>
 bool JSONPICL::has(std::string_view key) const {
     JSONObject::const_iterator member;
     return findKey(m_object, key, member);
+}
+
+std::size_t escapedSize(std::string_view text) {
+    std::size_t size = text.size();
+    for (const char c : text) {
+        const char escape = escapeOf(c);
+        size += escape == 0 ? 0U : escape == 'u' ? 5U : 1U;
+    }
+    return size;
 }
 
 std::string escapeText(std::string_view text) {

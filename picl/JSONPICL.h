@@ -3,6 +3,7 @@
 #include "picl/PropertyRecords.h"
 #include "json/JSONImporterExporter.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -88,6 +89,9 @@ public:
 /// Returns @p text with the control bytes, the double quote and the backslash escaped as RFC 8259 section 7
 /// does; every other byte, a slash too, as it is.
 [[nodiscard]] std::string escapeText(std::string_view text);
+
+/// Returns the size of escapeText(@p text).
+[[nodiscard]] std::size_t escapedSize(std::string_view text);
 
 /// Escapes @p text itself, as escapeText() does.
 void escapeInPlace(std::string& text);

@@ -1,6 +1,5 @@
 #include "picl/PICLInterface.h"
 
-#include "picl/PropertyReports.h"
 #include "property/MakeProperty.h"
 #include "property/PropertyManager.h"
 #include "property/UInt32Property.h"
@@ -51,14 +50,12 @@ bool PICLInterface::startPublishing() {
 
 void PICLInterface::stopPublishing() { m_publisherThread.stop(); }
 
-void PICLInterface::getProperties(const PropertyGetRequests& requests,
-                                  PropertyGetResponses& responses) const {
-    for (const PropertyGetRequest& request : requests)
-        appendAnswer(responses, *m_propertyManager, request, *m_componentProperty);
+bool PICLInterface::getProperties(const PropertyGetRequest& request, const ReportSink& add) const {
+    return reportAnswer(*m_propertyManager, request, *m_componentProperty, add);
 }
 
-void PICLInterface::getAllProperties(PropertyGetResponses& responses) const {
-    appendAll(responses, *m_propertyManager, *m_componentProperty);
+bool PICLInterface::getAllProperties(const ReportSink& add) const {
+    return reportAll(*m_propertyManager, *m_componentProperty, add);
 }
 
 void PICLInterface::queueChangedProperty(std::shared_ptr<Property> property) {

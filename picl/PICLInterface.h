@@ -1,6 +1,6 @@
 #pragma once
 
-#include "picl/PropertyRecords.h"
+#include "picl/PropertyReports.h"
 #include "picl/PublishLists.h"
 #include "platform/Worker.h"
 
@@ -45,12 +45,12 @@ public:
     /// owner's.
     virtual bool startPublishing();
 
-    /// Appends the answers to @p requests in their order: a report on each property, on all of a group where
-    /// no GUID is told, or that there is none. Thread: any.
-    virtual void getProperties(const PropertyGetRequests& requests, PropertyGetResponses& responses) const;
+    /// Passes the answer to @p request to @p add, one report at a time, so that an answer of any length takes
+    /// the memory of one report. Returns false if @p add did. Thread-safe.
+    virtual bool getProperties(const PropertyGetRequest& request, const ReportSink& add) const;
 
-    /// Appends a report on every property of this program. Thread: any.
-    virtual void getAllProperties(PropertyGetResponses& responses) const;
+    /// Passes a report on every property of this program to @p add. Returns false if @p add did. Thread-safe.
+    virtual bool getAllProperties(const ReportSink& add) const;
 
     /// Returns the body of the publisher thread. It runs until the endpoint ends it and shares the ownership
     /// of what it touches: the thread may be let go, and then outlives the endpoint.

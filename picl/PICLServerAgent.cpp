@@ -1,7 +1,6 @@
 #include "picl/PICLServerAgent.h"
 
 #include "picl/JSONPICL.h"
-#include "picl/PropertyReports.h"
 #include "picl/Publisher.h"
 #include "picl/ReportFrames.h"
 #include "platform/Stream.h"
@@ -66,21 +65,18 @@ bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std:
     return !request->asks() || answer(*stream, *request, *response);
 }
 
-// One request after the other, so that a message of many takes no more memory than its tree and a frame.
 bool PICLServerAgent::answer(Stream& stream, const JSONPICL& request, JSONPICL& response) {
     const bool isForAll = request.asksForAll();
     ReportFrames frames(response, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
                         [&](JSONPICL& frame) { return m_publishStream->reply(stream, frame); });
-    PropertyGetResponses reports;
+    const ReportSink add = [&](PropertyGetResponse report) { return frames.add(std::move(report)); };
     if (isForAll) {
-        getAllProperties(reports);
-        frames.add(std::move(reports));
-        return frames.finish();
+        getAllProperties(add);
+    } else {
+        bool goesOn = true;
+        request.forEachGetRequest(
+            [&](const PropertyGetRequest& one) { goesOn = goesOn && getProperties(one, add); });
     }
-    request.forEachGetRequest([&](PropertyGetRequest one) {
-        getProperties({std::move(one)}, reports);
-        frames.add(std::exchange(reports, {}));
-    });
     return frames.finish();
 }
 
@@ -89,9 +85,7 @@ void PICLServerAgent::setPublishStream(std::shared_ptr<Stream> stream) {
     m_publishStream->set(std::move(stream), [this](const PublishStream::Send& send) {
         JSONPICL message;
         ReportFrames frames(message, ReportFrames::Kind::Reports, send);
-        PropertyGetResponses reports;
-        getAllProperties(reports);
-        frames.add(std::move(reports));
+        getAllProperties([&](PropertyGetResponse report) { return frames.add(std::move(report)); });
         static_cast<void>(frames.finish()); // the next publication meets the same failure and acts on it
     });
 }

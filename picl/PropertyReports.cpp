@@ -1,6 +1,7 @@
 #include "picl/PropertyReports.h"
 
 #include "picl/JSONPICL.h"
+#include "picl/ReportFrames.h"
 #include "property/Property.h"
 #include "property/PropertyTable.h"
 #include "property/PropertyVocabulary.h"
@@ -8,22 +9,39 @@
 #include <string>
 #include <utility>
 
-void appendReport(PropertyGetResponses& reports, const Property& property, std::string_view status,
-                  const Property& component) {
-    std::string value;
-    try {
-        value = escapeText(property.getStringValue());
-    } catch (...) {
-        return; // the other properties are reported all the same
+namespace {
+
+bool reportEach(const PropertyQueue& properties, const Property& component, const ReportSink& add) {
+    for (const std::shared_ptr<Property>& property : properties) {
+        std::optional<PropertyGetResponse> report = makeReport(*property, status::kSuccessful, component);
+        if (report && !add(std::move(*report)))
+            return false;
     }
-    reports.push_back({.group = property.getGroupGuid(),
-                       .groupString = property.getGroupName(),
-                       .guid = property.getGuid(),
-                       .nameString = property.getName(),
-                       .value = std::move(value),
-                       .status = std::string(status),
-                       .component = component.getGuid(),
-                       .componentString = component.getName()});
+    return true;
+}
+
+} // namespace
+
+std::optional<PropertyGetResponse> makeReport(const Property& property, std::string_view status,
+                                              const Property& component) {
+    PropertyGetResponse report{.group = property.getGroupGuid(),
+                               .groupString = property.getGroupName(),
+                               .guid = property.getGuid(),
+                               .nameString = property.getName(),
+                               .value = {},
+                               .status = std::string(status),
+                               .component = component.getGuid(),
+                               .componentString = component.getName()};
+    try {
+        report.value = property.getStringValue();
+    } catch (...) {
+        return std::nullopt; // the other properties are reported all the same
+    }
+    if (ReportFrames::textSize(report) - report.value.size() + escapedSize(report.value) >
+        ReportFrames::kRoom)
+        return std::nullopt;
+    escapeInPlace(report.value);
+    return report;
 }
 
 // What came from the wire goes back through the escapes: a key is any text there, and must not end ours.
@@ -39,24 +57,23 @@ PropertyGetResponse notFoundReport(const PropertyGetRequest& request) {
             .componentString = std::string(misses::kGroup)};
 }
 
-void appendAnswer(PropertyGetResponses& reports, const PropertyTable& table,
-                  const PropertyGetRequest& request, const Property& component) {
+bool reportAnswer(const PropertyTable& table, const PropertyGetRequest& request, const Property& component,
+                  const ReportSink& add) {
     PropertyQueue found;
     if (request.guid.empty())
         table.getGroupProperties(request.group, found);
     else if (std::shared_ptr<Property> property = table.findProperty(request.guid, request.group))
         found.push_back(std::move(property));
-    else
-        reports.push_back(notFoundReport(request));
-    for (const std::shared_ptr<Property>& property : found)
-        appendReport(reports, *property, status::kSuccessful, component);
+    else if (escapedSize(request.group) + escapedSize(request.guid) + escapedSize(request.component) <=
+             ReportFrames::kRoom) // else no frame has room for it
+        return add(notFoundReport(request));
+    return reportEach(found, component, add);
 }
 
-void appendAll(PropertyGetResponses& reports, const PropertyTable& table, const Property& component) {
+bool reportAll(const PropertyTable& table, const Property& component, const ReportSink& add) {
     PropertyQueue properties;
     table.getAllProperties(properties);
-    for (const std::shared_ptr<Property>& property : properties)
-        appendReport(reports, *property, status::kSuccessful, component);
+    return reportEach(properties, component, add);
 }
 
 // Neither a number that is none nor a listener that fails ends the thread that reads: the property keeps what

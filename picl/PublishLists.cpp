@@ -61,14 +61,13 @@ std::uint32_t PublishLists::countOfChanges() const {
     return m_changedCount;
 }
 
-std::shared_ptr<Property> PublishLists::takeChange() {
+PublishLists::Properties PublishLists::takeChanges() {
+    Properties changes;
+    changes.reserve(kMostChanges);
     const KeltoGuard guard(m_changedLock);
-    return m_changedCount == 0 ? nullptr : std::move(m_changedProperties[--m_changedCount]);
-}
-
-void PublishLists::dropChanges() {
-    const KeltoGuard guard(m_changedLock);
-    m_changedCount = 0;
+    while (m_changedCount != 0)
+        changes.push_back(std::move(m_changedProperties[--m_changedCount]));
+    return changes;
 }
 
 PublishLists::Properties PublishLists::polled() const {

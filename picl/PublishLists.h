@@ -44,11 +44,8 @@ public:
     /// Returns how many changes wait. Thread: any.
     [[nodiscard]] std::uint32_t countOfChanges() const;
 
-    /// Takes the newest change. Returns nothing if none waits. Thread: any.
-    [[nodiscard]] std::shared_ptr<Property> takeChange();
-
-    /// Forgets the changes that wait. Thread: any.
-    void dropChanges();
+    /// Removes and returns all changes, the newest first. Thread-safe.
+    [[nodiscard]] Properties takeChanges();
 
     /// Returns the polled properties in the order of their adding. Thread: any.
     [[nodiscard]] Properties polled() const;

@@ -7,12 +7,12 @@
 #include "property/UInt32Property.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace {
 
 constexpr std::uint32_t kWaitMs = 250;
-constexpr std::size_t kMostReports = 10000; // in waiting for the end of a period
 
 } // namespace
 
@@ -24,50 +24,56 @@ Publisher::Publisher(std::shared_ptr<PublishLists> lists, std::shared_ptr<Publis
       m_component(std::move(component)) {}
 
 void Publisher::run() {
-    PropertyGetResponses reports;
+    Waiting waiting;
     std::uint32_t waitsLeft = waitsPerPeriod();
     while (!m_stopEvent.wait(kWaitMs)) {
-        if (m_stream->isEmpty()) {
-            m_lists->dropChanges();
-            reports.clear();
+        const Properties changes = m_lists->takeChanges();
+        if (m_stream->isEmpty()) { // the first frame on a stream has every value
+            waiting = {};
             continue;
         }
-        collectChanges(reports);
+        collect(changes, waiting);
         if (--waitsLeft != 0)
             continue;
-        collectPolledAndRemoved(reports);
-        publish(std::exchange(reports, {}));
+        publish(std::exchange(waiting, {}));
         waitsLeft = waitsPerPeriod();
     }
 }
 
 std::uint32_t Publisher::waitsPerPeriod() const { return std::max(m_period->getValue() / kWaitMs, 1U); }
 
-// Neither a setter that never rests nor a period without end must make this go on without end: what finds no
-// room here waits with the changes.
-void Publisher::collectChanges(PropertyGetResponses& reports) {
-    for (std::uint32_t left = PublishLists::kMostChanges; left != 0 && reports.size() < kMostReports;
-         --left) {
-        if (m_lists->countOfChanges() == 0)
-            return;
-        if (const std::shared_ptr<Property> property = m_lists->takeChange())
-            appendReport(reports, *property, status::kSuccessful, *m_component);
+void Publisher::collect(const Properties& changes, Waiting& waiting) const {
+    for (const std::shared_ptr<Property>& property : changes) {
+        if (std::ranges::find(waiting.late, property) != waiting.late.end())
+            continue;
+        std::optional<PropertyGetResponse> report = makeReport(*property, status::kSuccessful, *m_component);
+        const std::size_t size = report ? ReportFrames::textSize(*report) : 0;
+        if (size > ReportFrames::kRoom - waiting.textSize) {
+            waiting.late.push_back(property);
+        } else if (report) {
+            waiting.textSize += size;
+            waiting.reports.push_back(std::move(*report));
+        }
     }
 }
 
-void Publisher::collectPolledAndRemoved(PropertyGetResponses& reports) {
-    for (const std::shared_ptr<Property>& property : m_lists->polled())
-        appendReport(reports, *property, status::kSuccessful, *m_component);
-    for (const std::shared_ptr<Property>& property : m_lists->takeRemoved())
-        appendReport(reports, *property, status::kNoLongerAvailable, *m_component);
-}
-
-void Publisher::publish(PropertyGetResponses reports) {
-    if (reports.empty())
-        return;
+void Publisher::publish(Waiting waiting) const {
     JSONPICL message;
     ReportFrames frames(message, ReportFrames::Kind::Reports,
                         [this](JSONPICL& frame) { return m_stream->publish(frame); });
-    frames.add(std::move(reports));
-    static_cast<void>(frames.finish()); // a failure has left no stream: the silence is its report
+    for (PropertyGetResponse& report : waiting.reports)
+        frames.add(std::move(report));
+    addEach(waiting.late, status::kSuccessful, frames);
+    addEach(m_lists->polled(), status::kSuccessful, frames);
+    addEach(m_lists->takeRemoved(), status::kNoLongerAvailable, frames);
+    if (!frames.isEmpty())
+        static_cast<void>(frames.finish()); // a failure has emptied the stream
+}
+
+void Publisher::addEach(const Properties& properties, std::string_view status, ReportFrames& frames) const {
+    for (const std::shared_ptr<Property>& property : properties) {
+        std::optional<PropertyGetResponse> report = makeReport(*property, status, *m_component);
+        if (report && !frames.add(std::move(*report)))
+            return;
+    }
 }

@@ -3,12 +3,16 @@
 #include "picl/PropertyRecords.h"
 #include "platform/SimpleEvent.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
+#include <vector>
 
 class Property;
 class PublishLists;
 class PublishStream;
+class ReportFrames;
 class UInt32Property;
 
 /// The body of the publisher thread: every 250 ms it turns changes into reports, and every publishing period
@@ -29,10 +33,19 @@ public:
     void end() { m_stopEvent.signal(); }
 
 private:
+    using Properties = std::vector<std::shared_ptr<Property>>;
+
+    /// What waits for the end of a period.
+    struct Waiting {
+        PropertyGetResponses reports;
+        std::size_t textSize = 0; ///< Of the reports; at most the room of one frame.
+        Properties late; ///< Changed when there was no room; each once, reported with its final value.
+    };
+
     [[nodiscard]] std::uint32_t waitsPerPeriod() const;
-    void collectChanges(PropertyGetResponses& reports);
-    void collectPolledAndRemoved(PropertyGetResponses& reports);
-    void publish(PropertyGetResponses reports);
+    void collect(const Properties& changes, Waiting& waiting) const;
+    void publish(Waiting waiting) const;
+    void addEach(const Properties& properties, std::string_view status, ReportFrames& frames) const;
 
     const std::shared_ptr<PublishLists> m_lists;
     const std::shared_ptr<PublishStream> m_stream;

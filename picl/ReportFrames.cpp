@@ -5,16 +5,15 @@
 
 namespace {
 
-// The text around the reports and around the fields of one.
-constexpr std::size_t kMessageSize =
-    std::string_view(R"({"GetAllPropertiesResponse": true,"PropertyGetResponses": []})").size();
-constexpr std::size_t kReportSize =
+constexpr std::size_t kReportSize = // of the text around the fields of a report
     std::string_view(R"({"Component": "","ComponentString": "","GUID": ":","GroupString": "",)"
                      R"("NameString": "","Status": "","Value": ""},)")
         .size();
 
 } // namespace
 
+const std::size_t ReportFrames::kMessageSize =
+    std::string_view(R"({"GetAllPropertiesResponse": true,"PropertyGetResponses": []})").size();
 const std::size_t ReportFrames::kRoom = frame::kLargestText - kMessageSize;
 
 std::size_t ReportFrames::textSize(const PropertyGetResponse& report) {
@@ -34,14 +33,6 @@ void ReportFrames::begin() {
     if (m_kind == Kind::GetAllAnswer)
         m_message.addGetAllPropertiesResponse();
     m_textSize = kMessageSize;
-}
-
-bool ReportFrames::add(PropertyGetResponses reports) {
-    for (PropertyGetResponse& report : reports) {
-        if (!add(std::move(report)))
-            return false;
-    }
-    return m_sends;
 }
 
 bool ReportFrames::add(PropertyGetResponse report) {

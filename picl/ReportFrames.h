@@ -24,10 +24,12 @@ public:
     /// Frames are built in @p message, which is emptied before. Requires: it outlives this object.
     ReportFrames(JSONPICL& message, Kind kind, Send send);
 
-    /// Takes reports, and sends the frames that are full. Returns false once a frame did not go out; then
-    /// nothing more is sent. Blocks as the stream does.
-    bool add(PropertyGetResponses reports);
+    /// Appends a report and sends the frame before it if that is full. Returns false after a frame could not
+    /// be sent; then nothing more is sent. Blocks while a frame is sent.
     bool add(PropertyGetResponse report);
+
+    /// Returns whether no report was added.
+    [[nodiscard]] bool isEmpty() const { return m_textSize == kMessageSize; }
 
     /// Sends what is left, an empty list if nothing ever came. Returns whether all went out. Blocks as the
     /// stream does.
@@ -35,6 +37,8 @@ public:
 
 private:
     void begin();
+
+    static const std::size_t kMessageSize; // of the text around the reports
 
     JSONPICL& m_message;
     const Kind m_kind;

@@ -21,11 +21,11 @@ TEST(PublishLists, HoldsTheOldest499ChangesAndGivesTheNewestFirst) {
         first->setValue(i);
     lists->add(last);
     EXPECT_EQ(lists->countOfChanges(), 499U);
-    EXPECT_EQ(lists->takeChange(), first);
-    last->setValue(1); // room again
-    EXPECT_EQ(lists->takeChange(), last);
-    lists->dropChanges();
-    EXPECT_EQ(lists->takeChange(), nullptr);
+    EXPECT_EQ(lists->takeChanges(), PublishLists::Properties(499, first));
+    last->setValue(1); // there is room again
+    first->setValue(0);
+    EXPECT_EQ(lists->takeChanges(), (PublishLists::Properties{first, last}));
+    EXPECT_TRUE(lists->takeChanges().empty());
 }
 
 TEST(PublishLists, APolledPropertyIsQueuedOnceAndListedFromThenOn) {
@@ -36,7 +36,7 @@ TEST(PublishLists, APolledPropertyIsQueuedOnceAndListedFromThenOn) {
     lists->addPolledKey({"G", "polled"});
     lists->add(polled);
     lists->add(other);
-    lists->dropChanges();
+    EXPECT_EQ(lists->takeChanges().size(), 2U);
     polled->setValue(1);
     EXPECT_EQ(lists->countOfChanges(), 0U);
     EXPECT_EQ(lists->polled(), PublishLists::Properties{polled});
@@ -146,7 +146,7 @@ std::vector<std::size_t> framesOf(const std::vector<std::size_t>& valueSizes, Re
     for (const std::size_t size : valueSizes) {
         PropertyGetResponse report;
         report.value.assign(size, 'v');
-        frames.add({report});
+        frames.add(report);
     }
     EXPECT_TRUE(frames.finish());
     return counts;

@@ -63,6 +63,22 @@ TEST_F(AgentTest, ThePeriodIsCountedInWholeWaits) {
     }
 }
 
+TEST_F(AgentTest, ChangesWithoutRoomInTheFrameAreReportedOnceWithTheirFinalValue) {
+    const auto text = add<StringProperty>("T", "");
+    const auto number = add<UInt32Property>("N", 1U);
+    connect();
+    for (char letter = 'a'; letter <= 'z'; ++letter)
+        text->setValue(std::string(frame::kLargestText / 2, letter));
+    agent->startPublishing();
+    const std::string first =
+        peer->hears(); // the value leaves room for small reports, not for a second value
+    EXPECT_TRUE(first.ends_with(report(*period) + "]}"));
+    EXPECT_LT(first.size(), frame::kLargestText);
+    EXPECT_EQ(peer->hears(), frameOf(reports(report(*text))));
+    number->setValue(2);
+    EXPECT_EQ(peer->hears(), frameOf(reports(report(*number))));
+}
+
 TEST_F(AgentTest, AfterAFailedWriteThereIsSilenceUntilSomebodySubscribes) {
     connect();
     agent->startPublishing();

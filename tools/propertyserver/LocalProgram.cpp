@@ -28,10 +28,11 @@ void LocalProgram::changed(const std::shared_ptr<Property>& property) {
 }
 
 void LocalProgram::report(const Property& property) const {
-    auto reports = std::make_unique<PropertyGetResponses>();
-    appendReport(*reports, property, status::kSuccessful, *m_component);
+    std::optional<PropertyGetResponse> one = makeReport(property, status::kSuccessful, *m_component);
+    if (!one)
+        return;
     JSONPICL message;
-    message.addGetResponses(std::move(reports));
+    message.addGetResponse(std::move(*one));
     m_say(message.toFrame());
 }
 
@@ -61,19 +62,17 @@ void LocalProgram::takeSets(const JSONPICL& message) {
 
 void LocalProgram::answer(const JSONPICL& message) const {
     const bool isForAll = message.asksForAll();
-    PropertyGetResponses reports;
-    if (isForAll)
-        appendAll(reports, m_table, *m_component);
-    else
-        message.forEachGetRequest([&](const PropertyGetRequest& request) {
-            appendAnswer(reports, m_table, request, *m_component);
-        });
     JSONPICL answer;
     ReportFrames frames(answer, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
                         [this](JSONPICL& frame) {
                             m_say(frame.toFrame());
                             return true;
                         });
-    frames.add(std::move(reports));
+    const ReportSink add = [&](PropertyGetResponse report) { return frames.add(std::move(report)); };
+    if (isForAll)
+        reportAll(m_table, *m_component, add);
+    else
+        message.forEachGetRequest(
+            [&](const PropertyGetRequest& request) { reportAnswer(m_table, request, *m_component, add); });
     static_cast<void>(frames.finish()); // nothing fails there
 }
