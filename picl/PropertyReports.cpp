@@ -2,14 +2,40 @@
 
 #include "picl/JSONPICL.h"
 #include "picl/ReportFrames.h"
+#include "platform/KeltoMutex.h"
+#include "platform/Log.h"
 #include "property/Property.h"
+#include "property/PropertyKey.h"
 #include "property/PropertyTable.h"
 #include "property/PropertyVocabulary.h"
 
+#include <set>
 #include <string>
 #include <utility>
 
 namespace {
+
+/// Logs reports that fit into no frame, once for each property.
+class OversizeLog {
+public:
+    void write(const PropertyGetResponse& report) {
+        const std::string key = fullKey(report.group, report.guid);
+        const KeltoGuard guard(m_lock);
+        if (!m_logged.insert(key).second)
+            return;
+        logLine("picl: \"" + report.nameString + "\" (" + key +
+                ") is not reported: its value is too long for a frame");
+    }
+
+private:
+    KeltoMutex m_lock;
+    std::set<std::string> m_logged KELTO_GUARDED_BY(m_lock); // full keys
+};
+
+OversizeLog& oversizeLog() {
+    static OversizeLog& log = *new OversizeLog; // a detached thread may use it until the process ends
+    return log;
+}
 
 bool reportEach(const PropertyQueue& properties, const Property& component, const ReportSink& add) {
     for (const std::shared_ptr<Property>& property : properties) {
@@ -38,8 +64,10 @@ std::optional<PropertyGetResponse> makeReport(const Property& property, std::str
         return std::nullopt; // the other properties are reported all the same
     }
     if (ReportFrames::textSize(report) - report.value.size() + escapedSize(report.value) >
-        ReportFrames::kRoom)
+        ReportFrames::kRoom) {
+        oversizeLog().write(report);
         return std::nullopt;
+    }
     escapeInPlace(report.value);
     return report;
 }

@@ -16,7 +16,8 @@ class PropertyTable;
 using ReportSink = std::function<bool(PropertyGetResponse)>;
 
 /// Returns a report on @p property with its present value; @p component stands for the program. Returns
-/// nothing if reading the value throws, or if the report fits into no frame.
+/// nothing if reading the value throws, or if the report fits into no frame, which is logged once for each
+/// property.
 [[nodiscard]] std::optional<PropertyGetResponse> makeReport(const Property& property, std::string_view status,
                                                             const Property& component);
 

@@ -79,6 +79,21 @@ TEST_F(AgentTest, ChangesWithoutRoomInTheFrameAreReportedOnceWithTheirFinalValue
     EXPECT_EQ(peer->hears(), frameOf(reports(report(*number))));
 }
 
+TEST_F(AgentTest, AReportThatFitsIntoNoFrameIsLoggedOnce) {
+    static int runs = 0; // the process remembers what it logged
+    const std::string guid = "L" + std::to_string(++runs);
+    const auto text = add<StringProperty>(guid.c_str(), std::string(frame::kLargestText, 'x'));
+    const auto number = add<UInt32Property>("N", 1U);
+    testing::internal::CaptureStderr();
+    for (int i = 0; i < 2; ++i) {
+        peer->says(R"({"PropertyGetRequests": [{"GUID": "G:)" + guid + R"("},{"GUID": "G:N"}]})");
+        EXPECT_TRUE(agent->processNextMessage(peer));
+        EXPECT_EQ(peer->hears(), frameOf(reports(report(*number))));
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "picl: \"a name\" (G:" + guid + ") is not reported: its value is too long for a frame\n");
+}
+
 TEST_F(AgentTest, AfterAFailedWriteThereIsSilenceUntilSomebodySubscribes) {
     connect();
     agent->startPublishing();
