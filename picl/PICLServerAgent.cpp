@@ -67,20 +67,20 @@ bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std:
 
 bool PICLServerAgent::answer(Stream& stream, const JSONPICL& request, JSONPICL& response) {
     const bool isForAll = request.asksForAll();
-    ReportFrames frames(response, isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports,
-                        [&](JSONPICL& frame) { return m_publishStream->reply(stream, frame); });
-    const ReportSink add = [&](PropertyGetResponse report) { return frames.add(std::move(report)); };
-    if (isForAll) {
-        getAllProperties(add);
-    } else {
+    return m_publishStream->answer(stream, [&](const PublishStream::Send& send) {
+        ReportFrames frames(response,
+                            isForAll ? ReportFrames::Kind::GetAllAnswer : ReportFrames::Kind::Reports, send);
+        const ReportSink add = [&](PropertyGetResponse report) { return frames.add(std::move(report)); };
         bool goesOn = true;
-        request.forEachGetRequest(
-            [&](const PropertyGetRequest& one) { goesOn = goesOn && getProperties(one, add); });
-    }
-    return frames.finish();
+        if (isForAll)
+            getAllProperties(add);
+        else
+            request.forEachGetRequest(
+                [&](const PropertyGetRequest& one) { goesOn = goesOn && getProperties(one, add); });
+        return frames.finish();
+    });
 }
 
-// The reports are made under the lock of the frames, so that none is older than a frame in front of it.
 void PICLServerAgent::setPublishStream(std::shared_ptr<Stream> stream) {
     m_publishStream->set(std::move(stream), [this](const PublishStream::Send& send) {
         JSONPICL message;

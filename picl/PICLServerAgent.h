@@ -19,10 +19,9 @@ class Publisher;
 /// owners. The stream is given to it: it neither opens one nor opens one again.
 ///
 /// Who does what: PublishLists collects changes, Publisher sends them, PublishStream keeps frames whole,
-/// PendingRequests holds the questions on their way, ExternalTables the mirrors. Each has its own locks, and
-/// none of those is held while another part is called, but for one: the frames of a new stream are begun
-/// under the lock of the frames, and the properties are read then. No lock is held while an answer is waited
-/// for.
+/// PendingRequests holds the questions on their way, ExternalTables the mirrors. Each has its own locks. No
+/// lock is held while another part is called, except that properties are read under the report lock of
+/// PublishStream. No lock is held while waiting for an answer.
 ///
 /// Lifetime: the threads of the agent share ownership of what they use, never of this object. A thread that
 /// is blocked in a write on shutdown is detached; the owner of the stream ends the write by closing the

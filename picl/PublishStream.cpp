@@ -23,6 +23,7 @@ bool writeWhole(Stream& stream, const std::string& frame) {
 PublishStream::PublishStream() : m_disconnectFrame(makeDisconnectFrame()) {}
 
 void PublishStream::set(std::shared_ptr<Stream> stream, const std::function<void(const Send&)>& begin) {
+    const KeltoGuard reports(m_reportLock);
     const KeltoGuard frames(m_frameLock);
     if (hasEnded())
         return;
@@ -41,6 +42,7 @@ bool PublishStream::send(JSONPICL& message) {
 
 bool PublishStream::publish(JSONPICL& message) {
     const std::string frame = message.toFrame();
+    const KeltoGuard reports(m_reportLock);
     const KeltoGuard frames(m_frameLock);
     const bool isSent = write(frame);
     if (!isSent)
@@ -48,10 +50,15 @@ bool PublishStream::publish(JSONPICL& message) {
     return isSent;
 }
 
+bool PublishStream::answer(Stream& stream, const std::function<bool(const Send&)>& make) {
+    if (!isCurrent(stream))
+        return make([&](JSONPICL& message) { return !hasEnded() && message.exportTo(stream); });
+    const KeltoGuard reports(m_reportLock);
+    return make([&](JSONPICL& message) { return reply(stream, message); });
+}
+
 bool PublishStream::reply(Stream& stream, JSONPICL& message) {
     const std::string frame = message.toFrame();
-    if (!isCurrent(stream))
-        return !hasEnded() && writeWhole(stream, frame);
     const KeltoGuard frames(m_frameLock);
     return !hasEnded() && writeWhole(stream, frame);
 }

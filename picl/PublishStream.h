@@ -16,7 +16,11 @@ class Stream;
 /// the lock is taken, except in set(). The stream is empty before set(), after a failed publication, and
 /// permanently after disconnect(). isEmpty() and hasEnded() never wait for a write in progress.
 ///
-/// Lock order: m_frameLock, then m_streamLock.
+/// A report sent by set() or answer() is never older than a publication sent before it: m_reportLock is held
+/// from the reading of its value to its write, and by every publication. A publication may be older than an
+/// answer sent before it; the change that it missed is still queued.
+///
+/// Lock order: m_reportLock, then m_frameLock, then m_streamLock.
 class PublishStream {
 public:
     using Send = std::function<bool(JSONPICL&)>;
@@ -35,9 +39,10 @@ public:
     /// Like send(); a failure empties the stream.
     bool publish(JSONPICL& message);
 
-    /// Sends @p message on @p stream, serialized with the other frames if @p stream is the current one.
-    /// Returns false if the write failed. Blocks while writing.
-    [[nodiscard]] bool reply(Stream& stream, JSONPICL& message);
+    /// Runs @p make, which reads values and sends their frames on @p stream; frames of requests may come
+    /// between them. Another stream than the current one is written without a lock. Returns the result of @p
+    /// make. Blocks while writing.
+    [[nodiscard]] bool answer(Stream& stream, const std::function<bool(const Send&)>& make);
 
     /// Refuses every frame from now on, except "Disconnect". A write in progress completes.
     void end() { m_hasEnded = true; }
@@ -53,10 +58,12 @@ private:
     [[nodiscard]] std::shared_ptr<Stream> current() const;
     [[nodiscard]] bool isCurrent(const Stream& stream) const;
     void replace(std::shared_ptr<Stream> stream) KELTO_REQUIRES(m_frameLock);
+    [[nodiscard]] bool reply(Stream& stream, JSONPICL& message);
     [[nodiscard]] bool write(const std::string& frame) KELTO_REQUIRES(m_frameLock);
 
     const std::string m_disconnectFrame;
     std::atomic<bool> m_hasEnded = false; // checked under m_frameLock before each write
+    KeltoMutex m_reportLock;
     KeltoMutex m_frameLock;
     mutable KeltoMutex m_streamLock;
     std::shared_ptr<Stream> m_stream KELTO_GUARDED_BY(m_streamLock);

@@ -73,6 +73,36 @@ TEST_F(AgentTest, AnAnswerThatCannotBeWrittenEndsTheReader) {
     EXPECT_FALSE(agent->processNextMessage(peer));
 }
 
+/// A text whose first reading runs a function.
+class ObservedText final : public StringProperty {
+public:
+    using StringProperty::StringProperty;
+    [[nodiscard]] std::string getStringValue() const override {
+        std::string value = StringProperty::getStringValue();
+        if (const auto run = std::exchange(onRead, {}))
+            run();
+        return value;
+    }
+    mutable std::function<void()> onRead;
+};
+
+TEST_F(AgentTest, AnAnswerIsNotOlderThanAPublicationBeforeIt) {
+    const auto text = add<ObservedText>("T", "old");
+    connect();
+    period->setValue(250);
+    agent->startPublishing();
+    EXPECT_FALSE(peer->hears().empty());
+    text->onRead = [&] { // the publisher reports the new value while the answer is made
+        text->setValue("new");
+        EXPECT_TRUE(eventually([&] { return agent->countOfChangedProperties() == 0; }));
+        static_cast<void>(peer->sees(3, std::chrono::milliseconds(100)));
+    };
+    peer->says(R"({"PropertyGetRequests": [{"GUID": "G:T"}]})");
+    EXPECT_TRUE(agent->processNextMessage(peer));
+    EXPECT_NE(peer->hears().find("old"), std::string::npos);
+    EXPECT_NE(peer->hears().find("new"), std::string::npos);
+}
+
 TEST_F(AgentTest, ManyQuestionsForLongValuesAreAnsweredInFramesThatThePeerTakes) {
     add<StringProperty>("L", std::string(1000000, 'l'));
     std::string request = R"({"PropertyGetRequests": [{"GUID": "G:L"})";

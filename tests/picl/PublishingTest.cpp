@@ -187,7 +187,7 @@ TEST(PublishStream, RefusesFramesFromTheReleaseOfTheStreamOn) {
     auto stream = std::make_shared<ReleasedStream>();
     stream->onRelease = [&] {
         JSONPICL late;
-        isSent = connection.reply(other, late);
+        isSent = connection.answer(other, [&](const PublishStream::Send& send) { return send(late); });
     };
     connection.set(std::move(stream), [](const PublishStream::Send&) {});
     connection.disconnect();

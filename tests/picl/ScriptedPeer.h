@@ -81,9 +81,9 @@ public:
     Clock::duration gap{}; ///< Between the writes of the last two hears(), as they came.
 
     /// Waits until @p count writes have begun in all. Returns whether they did by the deadline.
-    bool sees(int count) {
+    bool sees(int count, std::chrono::milliseconds deadline = kDeadline) {
         std::unique_lock guard(m_lock);
-        return m_changed.wait_for(guard, kDeadline, [&] { return m_begun >= count; });
+        return m_changed.wait_for(guard, deadline, [&] { return m_begun >= count; });
     }
 
     [[nodiscard]] bool heardAll() const {
