@@ -13,6 +13,7 @@
 namespace {
 
 constexpr std::uint32_t kWaitMs = 250;
+constexpr std::uint32_t kDayMs = 24 * 60 * 60 * 1000;
 
 } // namespace
 
@@ -25,7 +26,7 @@ Publisher::Publisher(std::shared_ptr<PublishLists> lists, std::shared_ptr<Publis
 
 void Publisher::run() {
     Waiting waiting;
-    std::uint32_t waitsLeft = waitsPerPeriod();
+    std::uint32_t waitsLeft = waitsPerPeriod(m_period->getValue());
     while (!m_stopEvent.wait(kWaitMs)) {
         const Properties changes = m_lists->takeChanges();
         if (m_stream->isEmpty()) { // the first frame on a stream has every value
@@ -36,11 +37,13 @@ void Publisher::run() {
         if (--waitsLeft != 0)
             continue;
         publish(std::exchange(waiting, {}));
-        waitsLeft = waitsPerPeriod();
+        waitsLeft = waitsPerPeriod(m_period->getValue());
     }
 }
 
-std::uint32_t Publisher::waitsPerPeriod() const { return std::max(m_period->getValue() / kWaitMs, 1U); }
+std::uint32_t Publisher::waitsPerPeriod(std::uint32_t periodMs) {
+    return std::clamp(periodMs / kWaitMs, 1U, kDayMs / kWaitMs);
+}
 
 void Publisher::collect(const Properties& changes, Waiting& waiting) const {
     for (const std::shared_ptr<Property>& property : changes) {

@@ -25,6 +25,10 @@ public:
     Publisher(std::shared_ptr<PublishLists> lists, std::shared_ptr<PublishStream> stream,
               std::shared_ptr<UInt32Property> period, std::shared_ptr<Property> component);
 
+    /// Returns the number of whole waits of 250 ms in a publishing period, at least one wait and at most one
+    /// day.
+    [[nodiscard]] static std::uint32_t waitsPerPeriod(std::uint32_t periodMs);
+
     /// Publishes until end() is called. While there is no stream, changes are dropped and removals wait.
     /// Blocks.
     void run();
@@ -42,7 +46,6 @@ private:
         Properties late; ///< Changed when there was no room; each once, reported with its final value.
     };
 
-    [[nodiscard]] std::uint32_t waitsPerPeriod() const;
     void collect(const Properties& changes, Waiting& waiting) const;
     void publish(Waiting waiting) const;
     void addEach(const Properties& properties, std::string_view status, ReportFrames& frames) const;

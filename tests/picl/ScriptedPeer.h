@@ -50,8 +50,7 @@ public:
         m_changed.wait(guard, [this] { return m_closed || !m_stalls; });
         if (m_closed || m_fails)
             return StreamFailed;
-        m_writes.push_back(
-            {Clock::now(), std::string(static_cast<const char*>(buffer), static_cast<std::size_t>(size))});
+        m_writes.emplace_back(static_cast<const char*>(buffer), static_cast<std::size_t>(size));
         m_changed.notify_all();
         return size;
     }
@@ -72,13 +71,10 @@ public:
         std::unique_lock guard(m_lock);
         if (!m_changed.wait_for(guard, kDeadline, [this] { return !m_writes.empty(); }))
             return {};
-        const Write first = std::move(m_writes.front());
+        std::string first = std::move(m_writes.front());
         m_writes.pop_front();
-        gap = first.at - std::exchange(m_lastHeard, first.at);
-        return first.bytes;
+        return first;
     }
-
-    Clock::duration gap{}; ///< Between the writes of the last two hears(), as they came.
 
     /// Waits until @p count writes have begun in all. Returns whether they did by the deadline.
     bool sees(int count, std::chrono::milliseconds deadline = kDeadline) {
@@ -92,11 +88,6 @@ public:
     }
 
 private:
-    struct Write {
-        Clock::time_point at;
-        std::string bytes;
-    };
-
     void change(bool& what, bool value) {
         const std::scoped_lock guard(m_lock);
         what = value;
@@ -106,8 +97,7 @@ private:
     mutable std::mutex m_lock;
     std::condition_variable m_changed;
     std::string m_input;
-    std::deque<Write> m_writes;
-    Clock::time_point m_lastHeard;
+    std::deque<std::string> m_writes;
     int m_begun = 0;
     bool m_closed = false;
     bool m_stalls = false;
