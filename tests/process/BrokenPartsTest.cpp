@@ -1,5 +1,5 @@
 #include "tests/process/ProcessTest.h"
-#include "tests/process/PropertyServer.h"
+#include "tests/process/ScriptedPropertyServer.h"
 
 #include "app/UpgradeMessage.h"
 #include "property/PropertyFile.h"

@@ -1,5 +1,5 @@
-#include "tests/process/PropertyServer.h"
 #include "tests/process/ProcessTest.h"
+#include "tests/process/ScriptedPropertyServer.h"
 
 #include "app/UpgradeMessage.h"
 #include "property/PropertyFile.h"
@@ -128,7 +128,7 @@ protected:
         EXPECT_EQ(application.exitStatus(kDeadline), 0);
     }
 
-    PropertyServer server{printer()};
+    ScriptedPropertyServer server{printer()};
 };
 
 TEST_F(PropertyServerTest, HearsALifeFromItsFirstFrameToItsLast) {

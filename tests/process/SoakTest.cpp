@@ -1,5 +1,5 @@
 #include "tests/process/ProcessTest.h"
-#include "tests/process/PropertyServer.h"
+#include "tests/process/ScriptedPropertyServer.h"
 
 #include "app/UpgradeMessage.h"
 #include "property/PropertyFile.h"
@@ -203,7 +203,7 @@ protected:
 
     static constexpr std::size_t kMaxGrowth = 16U << 20;
 
-    PropertyServer server{printer()};
+    ScriptedPropertyServer server{printer()};
 
 private:
     std::mt19937 m_random{4711}; // NOLINT(cert-msc51-cpp): the same steps each time

@@ -1,4 +1,4 @@
-#include "tests/process/PropertyServer.h"
+#include "tests/process/ScriptedPropertyServer.h"
 
 #include "tests/picl/ScriptedPeer.h"
 #include "json/JSONImporterExporter.h"
@@ -61,7 +61,7 @@ std::string messageOf(const Reports& reports, std::string_view begin) {
     return std::string(begin) + R"("PropertyGetResponses": [)" + join(reports) + "]}";
 }
 
-void PropertyServer::accept() {
+void ScriptedPropertyServer::accept() {
     m_connection = m_device->takeOtherSide();
     const timeval limit{.tv_sec = std::chrono::duration_cast<std::chrono::seconds>(kDeadline).count(),
                         .tv_usec = 0};
@@ -69,17 +69,17 @@ void PropertyServer::accept() {
     ::setsockopt(m_connection.value(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
-void PropertyServer::says(std::string_view text) {
+void ScriptedPropertyServer::says(std::string_view text) {
     const std::string frame = frameOf(text);
     EXPECT_EQ(::send(m_connection.value(), frame.data(), frame.size(), MSG_NOSIGNAL),
               static_cast<ssize_t>(frame.size()));
 }
 
-void PropertyServer::saysOfFirmware(const KnownProperty& property) {
+void ScriptedPropertyServer::saysOfFirmware(const KnownProperty& property) {
     says(messageOf(reportsOn({property}, vocabulary::components::kFirmwareDriver)));
 }
 
-void PropertyServer::sets(const KnownProperties& properties) {
+void ScriptedPropertyServer::sets(const KnownProperties& properties) {
     Reports items;
     for (const KnownProperty& known : properties)
         items.push_back(
@@ -87,11 +87,11 @@ void PropertyServer::sets(const KnownProperties& properties) {
     says(R"({"PropertySetRequests": [)" + join(items) + "]}");
 }
 
-void PropertyServer::asksFor(const KnownProperty& property) {
+void ScriptedPropertyServer::asksFor(const KnownProperty& property) {
     says(R"({"PropertyGetRequests": [)" + item(vocabulary::components::kUpgradeUI, property.key()) + "]}");
 }
 
-std::string PropertyServer::hears() {
+std::string ScriptedPropertyServer::hears() {
     std::string frame(frame::kHeaderSize, '\0');
     const auto receives = [&](std::size_t from) {
         const std::size_t size = frame.size() - from;
@@ -107,7 +107,7 @@ std::string PropertyServer::hears() {
     return receives(frame::kHeaderSize) ? frame : std::string();
 }
 
-Reports PropertyServer::hearsPublished(const Reports& created) {
+Reports ScriptedPropertyServer::hearsPublished(const Reports& created) {
     Reports heard;
     std::ptrdiff_t looks = 0;
     while (heard.size() < created.size()) {
@@ -131,19 +131,19 @@ Reports PropertyServer::hearsPublished(const Reports& created) {
     return heard;
 }
 
-std::string PropertyServer::hearsFrameWith(std::string_view text) {
+std::string ScriptedPropertyServer::hearsFrameWith(std::string_view text) {
     std::string frame = hears();
     while (!frame.empty() && frame.find(text) == std::string::npos)
         frame = hears();
     return frame;
 }
 
-std::string PropertyServer::hearsAll() {
+std::string ScriptedPropertyServer::hearsAll() {
     says(R"({"GetAllProperties": true})");
     return hearsFrameWith("GetAllPropertiesResponse");
 }
 
-void PropertyServer::sync() {
+void ScriptedPropertyServer::sync() {
     says(R"({"PropertyGetRequests": [{"GUID": "a:b"}]})");
     EXPECT_NE(hearsFrameWith("Property Not Found"), "");
 }

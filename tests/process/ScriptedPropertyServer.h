@@ -32,11 +32,11 @@ Reports reportsOn(const KnownProperties& properties,
 /// Returns the message that carries @p reports, with @p begin in front.
 std::string messageOf(const Reports& reports, std::string_view begin = "{");
 
-/// The property server of a printer, played by a test: it listens on the device of a device root, and hears
-/// and says what it is told to.
-class PropertyServer {
+/// The property server of a printer, played by a test. It listens on the device of a device root, and sends
+/// and receives what the test requests.
+class ScriptedPropertyServer {
 public:
-    explicit PropertyServer(const std::filesystem::path& root) : m_device(makeSocketDevice(root)) {}
+    explicit ScriptedPropertyServer(const std::filesystem::path& root) : m_device(makeSocketDevice(root)) {}
 
     /// Takes in the application that has connected. Blocks until one has.
     void accept();
