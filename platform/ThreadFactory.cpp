@@ -4,21 +4,19 @@
 
 #include <utility>
 
-ThreadFactory::ThreadFactory(std::int32_t reaperPriority)
-    : m_wake(std::make_unique<SimpleEvent>(true)), m_finished(std::make_unique<SimpleEvent>(true)) {
-    m_reaper = createThread(reap, reaperPriority, 0);
-    if (!m_reaper->start(this))
-        m_finished->signal(); // or the destructor would wait for ever
+ThreadFactory::ThreadFactory(std::int32_t reaperPriority) : m_reaper(createThread(reap, reaperPriority, 0)) {
+    auto owned = std::make_unique<std::shared_ptr<Reaping>>(m_reaping);
+    if (m_reaper->start(owned.get()))
+        static_cast<void>(owned.release()); // the thread owns it now
+    else
+        m_reaping->finished.signal(); // or the destructor would wait for ever
 }
 
 ThreadFactory::~ThreadFactory() {
-    m_running = false;
-    m_wake->signal();
-    m_finished->wait();
-    m_reaper.reset(); // before what it has just used
-    m_finished.reset();
-    m_wake.reset();
-    deleteDeadThreads(); // where the end came before the reaper's first look
+    m_reaping->running = false;
+    m_reaping->wake.signal();
+    m_reaping->finished.wait();
+    m_reaping->deleteDeadThreads(); // where the end came before the reaper's first look
 }
 
 std::unique_ptr<Thread> ThreadFactory::createThread(Thread::Routine routine, std::int32_t priority,
@@ -28,26 +26,27 @@ std::unique_ptr<Thread> ThreadFactory::createThread(Thread::Routine routine, std
 
 void ThreadFactory::bury(std::unique_ptr<Thread> thread) {
     {
-        const KeltoGuard guard(m_lock);
-        m_deadThreads.push_back(std::move(thread));
+        const KeltoGuard guard(m_reaping->lock);
+        m_reaping->deadThreads.push_back(std::move(thread));
     }
-    m_wake->signal();
+    m_reaping->wake.signal();
 }
 
-std::uint32_t ThreadFactory::reap(void* factory) {
-    auto& self = *static_cast<ThreadFactory*>(factory);
-    while (self.m_running) {
-        self.m_wake->wait();
-        self.deleteDeadThreads();
+std::uint32_t ThreadFactory::reap(void* reaping) {
+    const std::unique_ptr<std::shared_ptr<Reaping>> owned(static_cast<std::shared_ptr<Reaping>*>(reaping));
+    Reaping& mine = **owned;
+    while (mine.running) {
+        mine.wake.wait();
+        mine.deleteDeadThreads();
     }
-    self.m_finished->signal();
+    mine.finished.signal();
     return 0;
 }
 
-void ThreadFactory::deleteDeadThreads() {
-    const KeltoGuard guard(m_lock);
-    while (!m_deadThreads.empty()) {
-        const std::unique_ptr<Thread> oldest = std::move(m_deadThreads.front());
-        m_deadThreads.pop_front();
+void ThreadFactory::Reaping::deleteDeadThreads() {
+    const KeltoGuard guard(lock);
+    while (!deadThreads.empty()) {
+        const std::unique_ptr<Thread> oldest = std::move(deadThreads.front());
+        deadThreads.pop_front();
     }
 }

@@ -31,13 +31,19 @@ public:
     void bury(std::unique_ptr<Thread> thread);
 
 private:
-    static std::uint32_t reap(void* factory);
-    void deleteDeadThreads();
+    /// The state that the reaper shares, so that it may return after the factory is gone.
+    struct Reaping {
+        std::atomic<bool> running = true; // the reaper may look before the first signal orders anything
+        KeltoMutex lock;
+        std::deque<std::unique_ptr<Thread>> deadThreads KELTO_GUARDED_BY(lock); // the oldest first
+        SimpleEvent wake{true};     // the reaper is to look at deadThreads and running
+        SimpleEvent finished{true}; // the last act of the reaper
 
-    std::atomic<bool> m_running = true; // the reaper may look before the first signal orders anything
+        void deleteDeadThreads();
+    };
+
+    static std::uint32_t reap(void* reaping);
+
+    const std::shared_ptr<Reaping> m_reaping = std::make_shared<Reaping>();
     std::unique_ptr<Thread> m_reaper;
-    KeltoMutex m_lock;
-    std::deque<std::unique_ptr<Thread>> m_deadThreads KELTO_GUARDED_BY(m_lock); // the oldest first
-    std::unique_ptr<SimpleEvent> m_wake;     // the reaper is to look at m_deadThreads and m_running
-    std::unique_ptr<SimpleEvent> m_finished; // the last act of the reaper
 };
