@@ -30,7 +30,7 @@ void appendTranslationsOf(const std::vector<std::string>& owners, std::vector<st
 } // namespace
 
 ApplicationIdentity& ApplicationIdentity::instance() {
-    static ApplicationIdentity identity;
+    static ApplicationIdentity& identity = *new ApplicationIdentity; // a detached thread can outlive main()
     return identity;
 }
 

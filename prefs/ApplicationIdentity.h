@@ -5,15 +5,15 @@
 #include <string_view>
 #include <vector>
 
-/// Who this program is, and the fixed facts of the printer it runs on. One object in the process, from its
-/// first use to the end.
+/// The identity of this program, and the fixed facts of the printer it runs on. One object, which is never
+/// destroyed.
 ///
 /// The three names are set once, by the main function, before another thread exists; after that everything
 /// here is read-only and safe to call from any thread. Folders are spelled as the printer spells them:
 /// os::hostPath() maps them where they are handed to the host.
 class ApplicationIdentity {
 public:
-    /// Returns the one object. Requires: the first call comes before any other thread exists.
+    /// Returns the object. Requires: the first call comes before any other thread exists.
     static ApplicationIdentity& instance();
 
     [[nodiscard]] std::string applicationName() const { return m_applicationName; }

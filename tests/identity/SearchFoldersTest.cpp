@@ -33,6 +33,17 @@ private:
     fs::path m_path;
 };
 
+TEST(Identity, OutlivesTheStaticObjects) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // no identity exists when the handler is registered
+    static constexpr const char* kName = "a name that is too long for the string itself";
+    const auto exits = [] {
+        std::atexit([] { ::_exit(ApplicationIdentity::instance().applicationName() == kName ? 0 : 1); });
+        ApplicationIdentity::instance().setApplicationName(kName);
+        std::exit(2); // NOLINT(concurrency-mt-unsafe): there is no other thread
+    };
+    EXPECT_EXIT(exits(), testing::ExitedWithCode(0), "");
+}
+
 class SearchFolders : public DeviceRootTest {
 protected:
     SearchFolders() { identity().setApplicationName("NoSuchApplication"); }
