@@ -66,3 +66,7 @@ std::string JSONBuilder::textOf(JSONTokenText token) const {
     }
     return text;
 }
+
+void* JSONBuilder::growParserStack(std::size_t size) {
+    return m_parserStacks.emplace_back(std::make_unique<std::byte[]>(size)).get();
+}

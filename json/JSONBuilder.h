@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,6 +43,9 @@ public:
     /// Returns it.
     [[nodiscard]] JSONValue takeValue();
 
+    /// Returns memory for a larger stack of the parser; it lives as long as the builder.
+    [[nodiscard]] void* growParserStack(std::size_t size);
+
 private:
     /// A container that is not yet closed; of the two lists one is in use.
     struct Level {
@@ -68,6 +72,7 @@ private:
     JSONTokenText m_valueText;
     bool m_valueIsText = false;
     std::vector<Level> m_levels;
+    std::vector<std::unique_ptr<std::byte[]>> m_parserStacks;
 
     // The last containers tell how much room the next ones are given: the items of a message are alike.
     std::size_t m_lastMembers = 0;

@@ -21,6 +21,10 @@
 #define YYINITDEPTH 200
 #define YYMAXDEPTH 10000
 
+// The builder owns the parser's stack, so an exception out of the parser leaks nothing.
+#define YYMALLOC(size) builder.growParserStack(size)
+#define YYFREE(stack) static_cast<void>(stack)
+
 int scanToken(JSONSTYPE* value, JSONBuilder& builder, StringRun& run);
 
 static int jsonlex(JSONSTYPE* value, JSONBuilder& builder, StringRun& run) {

@@ -20,14 +20,21 @@ namespace {
 constexpr std::size_t kLongestText =
     std::numeric_limits<std::int32_t>::max() - 2; // with the scanner's two zeros
 
-/// A scan, from its begin to its end, on every way out.
+/// A scan of a copy of the text, from its begin to its end, on every way out.
 class Scan {
 public:
-    explicit Scan(std::string_view text) { beginScan(text); }
+    explicit Scan(std::string_view text) {
+        m_buffer.reserve(text.size() + 2);
+        m_buffer.append(text).append(2, '\0');
+        beginScan(m_buffer);
+    }
     ~Scan() { endScan(); }
 
     Scan(const Scan&) = delete;
     Scan& operator=(const Scan&) = delete;
+
+private:
+    std::string m_buffer;
 };
 
 JSONValue parse(std::string_view text, std::size_t mostValues) {

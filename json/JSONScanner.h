@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 class JSONBuilder;
@@ -72,7 +73,8 @@ private:
     std::size_t m_noneBefore = 0;
 };
 
-void beginScan(std::string_view text);
+/// Begins a scan of @p text, which ends with two zero bytes. The scanner writes into it until endScan().
+void beginScan(std::string& text);
 void endScan();
 
 /// Reads the text of the scan. Returns 0 on success.

@@ -1,5 +1,6 @@
 #include "json/JSONReader.h"
 
+#include "tests/support/AllocationProbe.h"
 #include "tests/support/DeviceRootTest.h"
 #include "json/JSONPrinter.h"
 #include "json/JSONScanner.h"
@@ -155,6 +156,28 @@ TEST(JSONReader, AsDeepAsTheParserAdmits) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(parse(nested(10'001, open, close)).type, JSONValueType::NullValue);
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: memory exhausted\n");
+    }
+}
+
+TEST(JSONReader, AFailedAllocationLeaksNothingAndTheNextParseWorks) {
+    const std::string text =
+        "{\"a long key for the heap\": [1,'a long text for the heap'], \"a\\n\": \"escapes, \\"
+        "u0041\", \"a\": 2, \"deep\": " +
+        nested(150, "[0,", "]") + "}";
+    bool hasFailed = true;
+    for (std::size_t number = 1; hasFailed; ++number) {
+        const std::size_t before = allocations::liveBytes();
+        {
+            const allocations::Failing failing(number);
+            try {
+                EXPECT_EQ(parse(text).objectValue.size(), 4U);
+            } catch (const std::bad_alloc&) {
+                EXPECT_TRUE(failing.hasFailed());
+            }
+            hasFailed = failing.hasFailed();
+        }
+        EXPECT_EQ(allocations::liveBytes(), before) << number;
+        EXPECT_EQ(printed(parse("[1]")), "[1]") << number;
     }
 }
 
