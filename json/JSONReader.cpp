@@ -5,6 +5,7 @@
 #include "json/JSONScanner.h"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -53,8 +54,11 @@ struct FileCloser {
 std::string readAll(std::FILE& file) {
     std::string text;
     std::array<char, 16384> buffer{};
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), &file))
-        text.append(buffer.data(), count);
+    do {
+        std::clearerr(&file);
+        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), &file))
+            text.append(buffer.data(), count);
+    } while (std::ferror(&file) != 0 && errno == EINTR);
     if (std::ferror(&file) != 0) {
         std::fputs("input in flex scanner failed\n", stderr);
         std::exit(2); // NOLINT(concurrency-mt-unsafe): as told, and under the lock of the engine
@@ -105,7 +109,7 @@ JSONValue parseJsonText(const char* text, std::size_t mostValues) { return parse
 JSONValue parseJsonFile(const char* path) {
     if (os::isFolder(path)) // it would open
         return {};
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "r"));
+    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "re"));
     return file != nullptr ? parse(readAll(*file), kAnyNumberOfValues) : JSONValue();
 }
 
