@@ -6,29 +6,33 @@
 
 namespace {
 
-/// Gives back room that a list was given in vain, so that the tree is never more than twice its size.
-template <typename List>
-void fit(List& list) {
-    if (list.capacity() > 2 * list.size())
-        list.shrink_to_fit();
-}
+// In elements. An item of a message has fewer fields; thousands of containers can be open at once.
+constexpr std::size_t kMaxReserved = 8;
 
-// Beyond it room is given as it is needed: thousands of containers may be open at once.
-constexpr std::size_t kMostRoom = 64;
+constexpr std::size_t kMaxGrowth = 16384; // in elements
 
 } // namespace
 
-void JSONBuilder::openObject() {
-    m_levels.emplace_back().members.reserve(std::min(m_lastMembers, kMostRoom));
+/// Limits the memory of a long list to a little more than twice its elements, at each moment.
+template <typename List>
+void JSONBuilder::makeRoom(List& list) {
+    if (m_valuesLeft-- == 0)
+        throw TooManyValues();
+    if (list.size() == list.capacity())
+        list.reserve(list.size() + std::clamp<std::size_t>(list.size(), 1, kMaxGrowth));
 }
 
-void JSONBuilder::openArray() { m_levels.emplace_back().items.reserve(std::min(m_lastItems, kMostRoom)); }
+void JSONBuilder::openObject() {
+    m_levels.emplace_back().members.reserve(std::min(m_lastMembers, kMaxReserved));
+}
+
+void JSONBuilder::openArray() { m_levels.emplace_back().items.reserve(std::min(m_lastItems, kMaxReserved)); }
 
 void JSONBuilder::closeObject() {
     std::vector<JSONMember> members = std::move(m_levels.back().members);
     m_levels.pop_back();
     m_lastMembers = members.size();
-    fit(members);
+    members.shrink_to_fit();
     set(JSONObject(std::move(members)));
 }
 
@@ -36,22 +40,23 @@ void JSONBuilder::closeArray() {
     std::vector<JSONValue> items = std::move(m_levels.back().items);
     m_levels.pop_back();
     m_lastItems = items.size();
-    fit(items);
+    items.shrink_to_fit();
     set(JSONArray(std::move(items)));
 }
 
-bool JSONBuilder::addMember(JSONTokenText key) {
+void JSONBuilder::addMember(JSONTokenText key) {
     std::vector<JSONMember>& members = m_levels.back().members;
+    makeRoom(members);
     if (m_valueIsText && !key.hasEscapes() && !m_valueText.hasEscapes())
         members.emplace_back(bytesOf(key), bytesOf(m_valueText));
     else
         members.emplace_back(textOf(key), takeValue());
-    return takeRoom();
 }
 
-bool JSONBuilder::addItem() {
-    m_levels.back().items.push_back(takeValue());
-    return takeRoom();
+void JSONBuilder::addItem() {
+    std::vector<JSONValue>& items = m_levels.back().items;
+    makeRoom(items);
+    items.push_back(takeValue());
 }
 
 JSONValue JSONBuilder::takeValue() {

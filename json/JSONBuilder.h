@@ -11,15 +11,15 @@
 #include <utility>
 #include <vector>
 
-/// Puts a tree together while the parser reduces. A value that was just read is taken by the container that
-/// is open before anything else is read, and goes straight into its place. What a parse leaves behind that
-/// fails goes with the builder.
+/// Builds a tree while the parser reduces. The open container takes each value before the parser reads the
+/// next one. The builder owns everything that a parse allocates, so a parse that fails or throws leaks
+/// nothing.
 class JSONBuilder {
 public:
     /// Requires: the bytes of @p text, in which the parser reads, outlive this object.
-    JSONBuilder(std::string_view text, std::size_t mostValues) : m_text(text), m_room(mostValues) {}
+    JSONBuilder(std::string_view text, std::size_t maxValues) : m_text(text), m_valuesLeft(maxValues) {}
 
-    // What was read.
+    // The value that was just read.
     void setInt(std::int64_t number) { set(number); }
     void setFloat(double number) { set(number); }
     void setBool(bool truth) { set(truth); }
@@ -34,13 +34,13 @@ public:
     void openObject();
     void openArray();
 
-    /// Makes it a member of the open object. Returns false once there are more values than there may be.
-    [[nodiscard]] bool addMember(JSONTokenText key);
+    /// Moves the value into the open object. Throws TooManyValues beyond the limit.
+    void addMember(JSONTokenText key);
 
-    /// Makes it an item of the open array. Returns as addMember().
-    [[nodiscard]] bool addItem();
+    /// Moves the value into the open array. Throws TooManyValues beyond the limit.
+    void addItem();
 
-    /// Returns it.
+    /// Returns the value.
     [[nodiscard]] JSONValue takeValue();
 
     /// Returns memory for a larger stack of the parser; it lives as long as the builder.
@@ -63,18 +63,18 @@ private:
     }
     [[nodiscard]] std::string textOf(JSONTokenText token) const;
 
-    /// Takes one from the values that there may still be. Returns false if there was none.
-    [[nodiscard]] bool takeRoom() { return m_room > 0 && m_room-- > 0; }
+    template <typename List>
+    void makeRoom(List& list);
 
     std::string_view m_text;
-    std::size_t m_room; // for more values
-    JSONValue m_value;  // or, as most are, a text
+    std::size_t m_valuesLeft;
+    JSONValue m_value; // or, as most are, a text
     JSONTokenText m_valueText;
     bool m_valueIsText = false;
     std::vector<Level> m_levels;
     std::vector<std::unique_ptr<std::byte[]>> m_parserStacks;
 
-    // The last containers tell how much room the next ones are given: the items of a message are alike.
+    // The sizes of the last containers are a guess for the next ones: the items of a message are alike.
     std::size_t m_lastMembers = 0;
     std::size_t m_lastItems = 0;
 };

@@ -72,14 +72,14 @@ value:
 
 members:
     %empty
-  | DoubleQuotedString Colon value               { if (!builder.addMember($1)) YYABORT; }
-  | SingleQuotedString Colon value               { if (!builder.addMember($1)) YYABORT; }
-  | members Comma DoubleQuotedString Colon value { if (!builder.addMember($3)) YYABORT; }
-  | members Comma SingleQuotedString Colon value { if (!builder.addMember($3)) YYABORT; }
+  | DoubleQuotedString Colon value               { builder.addMember($1); }
+  | SingleQuotedString Colon value               { builder.addMember($1); }
+  | members Comma DoubleQuotedString Colon value { builder.addMember($3); }
+  | members Comma SingleQuotedString Colon value { builder.addMember($3); }
   ;
 
 items:
     %empty
-  | value             { if (!builder.addItem()) YYABORT; }
-  | items Comma value { if (!builder.addItem()) YYABORT; }
+  | value             { builder.addItem(); }
+  | items Comma value { builder.addItem(); }
   ;

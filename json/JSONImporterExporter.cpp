@@ -77,7 +77,7 @@ bool JSONImporterExporter::importFrom(Stream& stream) {
     JSONValue message;
     {
         const KeltoGuard guard(jsonEngineLock);
-        message = parseJsonText(text.c_str(), m_mostValues);
+        message = parseJsonText(text.c_str(), frame::kMaxValues);
     }
     if (message.type != JSONValueType::ObjectValue)
         return false;

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +18,10 @@ inline constexpr std::array<std::uint8_t, 16> kMagic{0xB3, 0xEC, 0x09, 0x9A, 0x2
 inline constexpr std::size_t kLengthSize = 4; // unsigned, the lowest byte first
 inline constexpr std::size_t kHeaderSize = kMagic.size() + kLengthSize;
 inline constexpr std::uint32_t kLargestText = 4194304; // a longer one is refused
+
+/// The most values in a message: the members of its objects and the items of its arrays. A frame full of
+/// reports with GUIDs has fewer; without this limit a frame of short values takes 250 MB.
+inline constexpr std::size_t kMaxValues = 150'000;
 
 /// Returns the length of the text behind @p header. Requires: it is a whole one.
 [[nodiscard]] std::uint32_t textLength(std::string_view header);
@@ -42,23 +45,17 @@ public:
     /// Returns the object as one frame, as it travels.
     [[nodiscard]] std::string toFrame() const;
 
-    /// Reads one frame and takes its object. Returns false where the stream ends or fails before the frame
-    /// does, where the text is empty or longer than the limit, or where it is no JSON object; then the stream
-    /// may be out of step with its frames. The magic is not looked at. Blocks as the stream does.
+    /// Reads one frame and takes its object. Returns false if the stream ends or fails before the frame
+    /// does, if the text is empty or longer than frame::kLargestText, or if it is no JSON object; then the
+    /// stream may be out of step with its frames. Throws std::bad_alloc if memory runs out or the message has
+    /// more than frame::kMaxValues values. The magic is not compared. Blocks as the stream does.
     [[nodiscard]] virtual bool importFrom(Stream& stream);
 
     /// Empties the object.
     virtual void clear();
 
-    /// Has importFrom() refuse an object with more values than @p mostValues, for who reads what anybody
-    /// sends: a frame of the largest length can make a hundred megabytes of values.
-    void limitValues(std::size_t mostValues) { m_mostValues = mostValues; }
-
 protected:
     JSONObject m_object;
-
-private:
-    std::size_t m_mostValues = std::numeric_limits<std::size_t>::max();
 };
 
 /// Finds the member of this key. Returns whether there is one; only then @p member is set.

@@ -38,11 +38,11 @@ private:
     std::string m_buffer;
 };
 
-JSONValue parse(std::string_view text, std::size_t mostValues) {
+JSONValue parse(std::string_view text, std::size_t maxValues) {
     if (text.size() > kLongestText)
         return {};
     const Scan scan(text);
-    JSONBuilder builder(text, mostValues);
+    JSONBuilder builder(text, maxValues);
     StringRun run(text);
     return jsonparse(builder, run) == 0 ? builder.takeValue() : JSONValue();
 }
@@ -104,7 +104,7 @@ std::size_t appendUnescaped(std::string& text, std::string_view rest) {
 
 } // namespace
 
-JSONValue parseJsonText(const char* text, std::size_t mostValues) { return parse(text, mostValues); }
+JSONValue parseJsonText(const char* text, std::size_t maxValues) { return parse(text, maxValues); }
 
 JSONValue parseJsonFile(const char* path) {
     if (os::isFolder(path)) // it would open

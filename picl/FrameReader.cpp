@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace {
@@ -30,6 +31,15 @@ private:
     std::string_view m_text;
 };
 
+bool readFrame(std::string_view frame, JSONPICL& message) {
+    try {
+        TextStream stream(frame);
+        return message.importFrom(stream);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 } // namespace
 
 void FrameReader::take(std::string_view bytes) {
@@ -52,9 +62,7 @@ FrameReader::Result FrameReader::next(JSONPICL& message) {
     const std::string_view frame = nextFrame();
     if (frame.empty())
         return Result::Incomplete;
-    TextStream stream(frame);
-    message.limitValues(m_mostValues);
-    if (!message.importFrom(stream))
+    if (!readFrame(frame, message))
         return Result::Refused;
     m_read += frame.size();
     if (waiting() == 0 && m_bytes.capacity() > kKeptRoom) {

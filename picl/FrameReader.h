@@ -3,7 +3,6 @@
 #include "picl/JSONPICL.h"
 
 #include <cstddef>
-#include <limits>
 #include <string>
 #include <string_view>
 
@@ -15,13 +14,8 @@ public:
     enum class Result {
         Message,    ///< A message was read.
         Incomplete, ///< More bytes are needed for the next one.
-        Refused,    ///< What came is no message; nothing behind it can be read any more.
+        Refused, ///< The bytes are no message, or exceed a limit of frame:: or the memory; the reading ends.
     };
-
-    FrameReader() = default;
-
-    /// Refuses a message with more values than @p mostValues.
-    explicit FrameReader(std::size_t mostValues) : m_mostValues(mostValues) {}
 
     /// Takes the next bytes of the stream.
     void take(std::string_view bytes);
@@ -37,7 +31,6 @@ public:
     [[nodiscard]] std::string_view nextFrame() const;
 
 private:
-    std::size_t m_mostValues = std::numeric_limits<std::size_t>::max();
     std::string m_bytes;
     std::size_t m_read = 0; // of m_bytes, in messages that were handed out
 };

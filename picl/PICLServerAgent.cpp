@@ -9,6 +9,7 @@
 #include "property/UInt32Property.h"
 
 #include <exception>
+#include <new>
 #include <utility>
 
 namespace {
@@ -46,10 +47,15 @@ std::function<void()> PICLServerAgent::run() {
 }
 
 bool PICLServerAgent::processNextMessage(const std::shared_ptr<Stream>& stream) {
-    auto request = std::make_unique<JSONPICL>();
-    return request->importFrom(*stream) &&
-           processMessage(stream, std::move(request), std::make_unique<JSONPICL>()) &&
-           !m_publishStream->hasEnded();
+    try {
+        auto request = std::make_unique<JSONPICL>();
+        return request->importFrom(*stream) &&
+               processMessage(stream, std::move(request), std::make_unique<JSONPICL>()) &&
+               !m_publishStream->hasEnded();
+    } catch (const std::bad_alloc& failure) {
+        closeAfter(failure, *stream);
+        return false;
+    }
 }
 
 bool PICLServerAgent::processMessage(const std::shared_ptr<Stream>& stream, std::unique_ptr<JSONPICL> request,

@@ -1,5 +1,6 @@
 #include "picl/PublishStream.h"
 
+#include "platform/Log.h"
 #include "platform/Stream.h"
 
 #include <cstdint>
@@ -20,6 +21,11 @@ bool writeWhole(Stream& stream, const std::string& frame) {
 
 } // namespace
 
+void closeAfter(const std::bad_alloc& failure, Stream& stream) {
+    logLine(std::string("connection to the property server closed: ") + failure.what());
+    stream.close();
+}
+
 PublishStream::PublishStream() : m_disconnectFrame(makeDisconnectFrame()) {}
 
 void PublishStream::set(std::shared_ptr<Stream> stream, const std::function<void(const Send&)>& begin) {
@@ -28,8 +34,13 @@ void PublishStream::set(std::shared_ptr<Stream> stream, const std::function<void
     if (hasEnded())
         return;
     replace(std::move(stream));
-    if (!isEmpty())
+    if (isEmpty())
+        return;
+    try {
         begin([this](JSONPICL& message) { return send(message); });
+    } catch (const std::bad_alloc& failure) {
+        closeAfter(failure);
+    }
 }
 
 bool PublishStream::isEmpty() const { return current() == nullptr; }
@@ -55,6 +66,11 @@ bool PublishStream::answer(Stream& stream, const std::function<bool(const Send&)
         return make([&](JSONPICL& message) { return !hasEnded() && message.exportTo(stream); });
     const KeltoGuard reports(m_reportLock);
     return make([&](JSONPICL& message) { return reply(stream, message); });
+}
+
+void PublishStream::closeAfter(const std::bad_alloc& failure) {
+    if (const std::shared_ptr<Stream> stream = current())
+        ::closeAfter(failure, *stream);
 }
 
 bool PublishStream::reply(Stream& stream, JSONPICL& message) {

@@ -6,9 +6,13 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <new>
 #include <string>
 
 class Stream;
+
+/// Closes @p stream, a connection on which memory ran out, and logs that. Thread-safe. Does not block.
+void closeAfter(const std::bad_alloc& failure, Stream& stream);
 
 /// Serializes outgoing frames on the connection to the property server. Thread-safe.
 ///
@@ -43,6 +47,10 @@ public:
     /// between them. Another stream than the current one is written without a lock. Returns the result of @p
     /// make. Blocks while writing.
     [[nodiscard]] bool answer(Stream& stream, const std::function<bool(const Send&)>& make);
+
+    /// Closes the stream after memory ran out, and logs that: no later frame can be written or read.
+    /// Does not block.
+    void closeAfter(const std::bad_alloc& failure);
 
     /// Refuses every frame from now on, except "Disconnect". A write in progress completes.
     void end() { m_hasEnded = true; }

@@ -1,5 +1,6 @@
 #include "picl/ReportFrames.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -10,6 +11,11 @@ constexpr std::size_t kReportSize = // of the text around the fields of a report
                      R"("NameString": "","Status": "","Value": ""},)")
         .size();
 
+// A short report counts as one of this size, so that the reports of a full frame stay within
+// frame::kMaxValues.
+constexpr std::size_t kReportValues = 8; // an item and its fields
+constexpr std::size_t kMinReportSize = frame::kLargestText * kReportValues / frame::kMaxValues + 1;
+
 } // namespace
 
 const std::size_t ReportFrames::kMessageSize =
@@ -17,9 +23,10 @@ const std::size_t ReportFrames::kMessageSize =
 const std::size_t ReportFrames::kRoom = frame::kLargestText - kMessageSize;
 
 std::size_t ReportFrames::textSize(const PropertyGetResponse& report) {
-    return kReportSize + report.component.size() + report.componentString.size() + report.group.size() +
-           report.guid.size() + report.groupString.size() + report.nameString.size() + report.status.size() +
-           report.value.size();
+    const std::size_t size = kReportSize + report.component.size() + report.componentString.size() +
+                             report.group.size() + report.guid.size() + report.groupString.size() +
+                             report.nameString.size() + report.status.size() + report.value.size();
+    return std::max(size, kMinReportSize);
 }
 
 ReportFrames::ReportFrames(JSONPICL& message, Kind kind, Send send)

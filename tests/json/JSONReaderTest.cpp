@@ -165,6 +165,22 @@ TEST(JSONReader, AsDeepAsTheParserAdmits) {
     }
 }
 
+TEST(JSONReader, CountsTheValuesOfAllContainers) {
+    struct {
+        const char* text;
+        std::size_t values;
+    } const kRows[] = {
+        {R"({"a": 1, "b": [2, "three", {}, []], "c": {"d": null}})", 8},
+        {R"({"a": ",,,,,,,,[[[{{{::::"})", 1},
+        {"[{}]", 1},
+    };
+    const KeltoGuard guard(jsonEngineLock);
+    for (const auto& [text, values] : kRows) {
+        EXPECT_NE(parseJsonText(text, values).type, JSONValueType::NullValue) << text;
+        EXPECT_THROW((void)parseJsonText(text, values - 1), TooManyValues) << text;
+    }
+}
+
 TEST(JSONReader, AFailedAllocationLeaksNothingAndTheNextParseWorks) {
     const std::string text =
         "{\"a long key for the heap\": [1,'a long text for the heap'], \"a\\n\": \"escapes, \\"

@@ -53,6 +53,7 @@ TEST(FrameReader, ReadsTheSameInWhateverPiecesItComes) {
         {"no text", one + header(0) + one, "{\"Disconnect\": \"True\"}\nrefused"},
         {"a text that is no object", frameOf("[]") + one, "refused"},
         {"a text that is no JSON", frameOf("{\"") + one, "refused"},
+        {"too many values", frameOf("{\"a\": [" + repeated("0,", frame::kMaxValues) + "0]}"), "refused"},
     };
     for (const auto& [name, bytes, read] : kRows) {
         testing::internal::CaptureStderr(); // where the reader of texts names its errors
@@ -71,26 +72,6 @@ TEST(FrameReader, AMessageStaysAsItWasWhereThereIsNoOther) {
     EXPECT_EQ(reader.next(message), Result::Refused);
     EXPECT_EQ(reader.next(message), Result::Refused) << "for good";
     EXPECT_TRUE(message.has(keys::kDisconnect));
-}
-
-TEST(FrameReader, RefusesMoreValuesThanItWasTold) {
-    struct {
-        const char* text;
-        std::size_t values;
-    } const kRows[] = {
-        {R"({"a": 1, "b": [2, "three", {}, []], "c": {"d": null}})", 8},
-        {R"({"a": ",,,,,,,,[[[{{{::::"})", 1},
-        {"{}", 0},
-    };
-    for (const auto& [text, values] : kRows) {
-        for (const std::size_t most : {values, values - 1}) {
-            FrameReader reader(most);
-            reader.take(frameOf(text));
-            JSONPICL message;
-            EXPECT_EQ(reader.next(message), values <= most ? Result::Message : Result::Refused)
-                << text << most;
-        }
-    }
 }
 
 } // namespace

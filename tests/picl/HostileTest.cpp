@@ -89,8 +89,8 @@ TEST_F(Hostile, FramesAreTakenOrEndTheReading) {
     }
 }
 
-TEST_F(Hostile, AHundredThousandRequestsAreDealtWith) {
-    constexpr std::size_t kMany = 100'000;
+TEST_F(Hostile, TensOfThousandsOfRequestsAreHandled) {
+    constexpr std::size_t kMany = 45'000;
     MemoryStream peer(listOf("PropertyGetRequests", R"({"GUID":"G:N"})", kMany) +
                       listOf("PropertySetRequests", R"({"GUID":"G:N","Value":"9"})", kMany) +
                       listOf("PropertyGetResponses", R"({"Component":"C","GUID":"G:N"})", kMany));

@@ -2,6 +2,7 @@
 
 #include "platform/Stream.h"
 #include "tests/support/DeviceRootTest.h"
+#include "json/JSONImporterExporter.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -26,6 +27,17 @@ inline std::string frameOf(std::string_view text) {
     for (unsigned shift = 0; shift < 32; shift += 8)
         frame += static_cast<char>(text.size() >> shift);
     return frame.append(text);
+}
+
+/// Returns the text of the object that takes the most memory of all that a frame may hold: one list of
+/// members, their keys on the heap and out of order.
+inline std::string largestObject() {
+    std::string text = "{\"\":0";
+    for (std::size_t i = 1; i < frame::kMaxValues; ++i)
+        text += ",\"a long key " + std::to_string(i * 7919 % 1'000'000) + "\":0";
+    text += '}';
+    text.resize(frame::kLargestText, ' ');
+    return text;
 }
 
 /// The peer at the other end of a stream: a test says what it sends and looks at what it gets, write by

@@ -77,7 +77,7 @@ const RudeProgram kRudePrograms[] = {
      }},
     {"WhoSendsTheLongestFrames",
      [](Program& program, const std::atomic<bool>& goesOn) {
-         std::string text = R"({"x": [0)" + repeated(",{}", Connection::kMostValues - 2) + "]}";
+         std::string text = R"({"x": [0)" + repeated(",{}", frame::kMaxValues - 2) + "]}";
          text.resize(frame::kLargestText, ' ');
          const std::string frame = frameOf(text);
          while (program.write(frame, goesOn)) {

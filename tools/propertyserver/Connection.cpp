@@ -124,7 +124,7 @@ void Connection::hold(bool holds) {
 void Connection::takeParked() {
     m_isResuming = false;
     while (!m_hasEnded && !m_holds && !m_parked.empty()) {
-        FrameReader reader(kMostValues);
+        FrameReader reader;
         reader.take(m_parked.front());
         m_parkedBytes -= m_parked.front().size();
         m_parked.pop_front();

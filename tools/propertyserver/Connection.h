@@ -39,9 +39,6 @@ public:
     /// read. What it answers passes by.
     static constexpr std::size_t kMostParked = 256U << 10U;
 
-    /// How many values a message may have: a report has eight, and a frame has room for some ten thousands.
-    static constexpr std::size_t kMostValues = 200'000;
-
     /// With how many bytes a piece of work is long, and waits for its turn: half a millisecond, or less.
     static constexpr std::size_t kLong = 8192;
 
@@ -110,7 +107,7 @@ private:
     Socket m_socket;
     const Handler& m_handler;
     std::array<char, 1024> m_piece{}; // a message as a rule
-    FrameReader m_reader{kMostValues};
+    FrameReader m_reader;
     Outbox m_outbox;
     Clock::time_point m_lastWhole;    // when there was no part of a frame left
     std::deque<std::string> m_parked; // frames that came while the program was held
