@@ -9,6 +9,7 @@
 #include "property/PropertyTable.h"
 #include "property/PropertyVocabulary.h"
 
+#include <new>
 #include <set>
 #include <string>
 #include <utility>
@@ -60,6 +61,8 @@ std::optional<PropertyGetResponse> makeReport(const Property& property, std::str
                                .componentString = component.getName()};
     try {
         report.value = property.getStringValue();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return std::nullopt; // the other properties are reported all the same
     }

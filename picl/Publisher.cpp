@@ -7,6 +7,7 @@
 #include "property/UInt32Property.h"
 
 #include <algorithm>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -28,17 +29,26 @@ void Publisher::run() {
     Waiting waiting;
     std::uint32_t waitsLeft = waitsPerPeriod(m_period->getValue());
     while (!m_stopEvent.wait(kWaitMs)) {
-        const Properties changes = m_lists->takeChanges();
-        if (m_stream->isEmpty()) { // the first frame on a stream has every value
+        try {
+            collectAndPublish(waiting, waitsLeft);
+        } catch (const std::bad_alloc& failure) {
             waiting = {};
-            continue;
+            m_stream->closeAfter(failure);
         }
-        collect(changes, waiting);
-        if (--waitsLeft != 0)
-            continue;
-        publish(std::exchange(waiting, {}));
-        waitsLeft = waitsPerPeriod(m_period->getValue());
     }
+}
+
+void Publisher::collectAndPublish(Waiting& waiting, std::uint32_t& waitsLeft) const {
+    const Properties changes = m_lists->takeChanges();
+    if (m_stream->isEmpty()) { // the first frame on a stream has every value
+        waiting = {};
+        return;
+    }
+    collect(changes, waiting);
+    if (--waitsLeft != 0)
+        return;
+    waitsLeft = waitsPerPeriod(m_period->getValue());
+    publish(std::exchange(waiting, {}));
 }
 
 std::uint32_t Publisher::waitsPerPeriod(std::uint32_t periodMs) {

@@ -46,6 +46,7 @@ private:
         Properties late; ///< Changed when there was no room; each once, reported with its final value.
     };
 
+    void collectAndPublish(Waiting& waiting, std::uint32_t& waitsLeft) const;
     void collect(const Properties& changes, Waiting& waiting) const;
     void publish(Waiting waiting) const;
     void addEach(const Properties& properties, std::string_view status, ReportFrames& frames) const;

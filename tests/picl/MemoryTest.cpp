@@ -109,4 +109,22 @@ TEST_F(Memory, ThatRunsOutWhileReadingEndsTheConnection) {
     EXPECT_TRUE(agent->processNextMessage(std::make_shared<Wire>(many))) << "another connection";
 }
 
+TEST_F(Memory, ThatRunsOutWhilePublishingEndsTheConnection) {
+    const auto text = add<StringProperty>("T", "");
+    connect();
+    startReader();
+    const std::string large(1'000'000, 'x');
+    text->setValue(large);
+    testing::internal::CaptureStderr();
+    {
+        const allocations::Failing failing(allocations::Failing::kNone, large.size() - 1);
+        agent->startPublishing();
+        reader.join(); // its stream is closed
+    }
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("connection"), std::string::npos);
+    text->setValue("short");
+    peer = std::make_shared<ScriptedPeer>();
+    connect();
+}
+
 } // namespace
