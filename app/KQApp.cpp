@@ -3,6 +3,7 @@
 #include "picl/PICLIF.h"
 #include "platform/ThreadFactory.h"
 #include "platform/WideText.h"
+#include "platform/os/Allocator.h"
 #include "platform/os/DeviceRoot.h"
 #include "prefs/ApplicationIdentity.h"
 #include "prefs/FileHelpers.h"
@@ -36,6 +37,7 @@ QString hostPath(const std::wstring& printerPath) { return hostPath(toNarrow(pri
 
 void KQApp::initialise(const std::string& applicationName, const std::string& componentGuid,
                        const std::string& componentName) {
+    os::returnFreedBlocks();
     ApplicationIdentity& identity = ApplicationIdentity::instance();
     identity.setApplicationName(applicationName);
     identity.setComponentGuid(componentGuid);

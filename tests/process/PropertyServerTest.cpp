@@ -236,6 +236,19 @@ TEST_F(PropertyServerTest, OneThatHangsUpOrTalksNonsenseIsNotMissed) {
     }
 }
 
+TEST_F(PropertyServerTest, FramesOfManyValuesTakeAtMost64MB) {
+    const auto application = connect();
+    send(MsgFileFound);
+    EXPECT_TRUE(eventually([&] { return output("UpgradeUI").ends_with("qml: upgradeFileFound\n"); }));
+    const std::size_t before = application->peakMemory();
+    for (int i = 0; i < 3; ++i) {
+        server.says(largestObject());
+        server.sync();
+    }
+    EXPECT_LE(application->peakMemory() - before, 64'000'000U);
+    closes(*application);
+}
+
 TEST_F(PropertyServerTest, TenThousandMessagesFromBothSides) {
     constexpr int kCount = 10000;
     constexpr int kSetsAtOnce = 100;

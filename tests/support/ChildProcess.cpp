@@ -54,6 +54,17 @@ std::optional<int> ChildProcess::exitStatus(std::chrono::milliseconds deadline) 
     return WEXITSTATUS(*m_status);
 }
 
+std::size_t ChildProcess::peakMemory() const {
+    std::size_t kibibytes = 0;
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    std::ifstream status("/proc/" + std::to_string(m_pid) + "/status");
+    for (std::string word; status >> word && word != "VmHWM:";) {
+    }
+    status >> kibibytes;
+#endif
+    return kibibytes << 10U;
+}
+
 long ChildProcess::contextSwitches() const {
     long sum = 0;
     std::error_code ended;

@@ -34,6 +34,10 @@ public:
     /// Returns the bytes of memory that the program uses; 0 if it has ended.
     [[nodiscard]] std::size_t residentBytes() const;
 
+    /// Returns the most memory in bytes that the program has taken so far; 0 under a sanitizer, which keeps
+    /// what was freed.
+    [[nodiscard]] std::size_t peakMemory() const;
+
 private:
     pid_t m_pid = -1;
     std::optional<int> m_status;
