@@ -91,6 +91,7 @@ TEST_F(Memory, ThatRunsOutWhileReadingEndsTheConnection) {
         {"a frame of many values", many, allocations::Failing::kNone, false},
         {"one value more", frameOf("{\"x\": [" + repeated("0,", frame::kMaxValues) + "0]}")},
         {"no memory for the text", many, 1'000'000},
+        {"no memory at all", many, 0},
         {"no memory for the values", fullFrame("x", "{}", 1), 5'000'000},
         {"no JSON", frameOf("{\"a\"}"), allocations::Failing::kNone, false},
     };
