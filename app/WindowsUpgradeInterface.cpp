@@ -83,7 +83,7 @@ void WindowsUpgradeInterface::start() {
     try {
         m_listener = std::thread(listen, m_platform, weak_from_this());
     } catch (const std::system_error& error) {
-        logLine(std::string("cannot start the thread that listens to the upgrader: ") + error.what());
+        logLine("cannot start the thread that listens to the upgrader: ", error.what());
     }
 }
 

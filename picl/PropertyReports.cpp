@@ -24,7 +24,7 @@ public:
         const KeltoGuard guard(m_lock);
         if (!m_logged.insert(key).second)
             return;
-        logLine("picl: \"" + report.nameString + "\" (" + key +
+        logLine("\"" + report.nameString + "\" (" + key +
                 ") is not reported: its value is too long for a frame");
     }
 

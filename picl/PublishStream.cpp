@@ -1,9 +1,9 @@
 #include "picl/PublishStream.h"
 
+#include "platform/Log.h"
 #include "platform/Stream.h"
 
 #include <cstdint>
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -22,9 +22,7 @@ bool writeWhole(Stream& stream, const std::string& frame) {
 } // namespace
 
 void closeAfter(const std::bad_alloc& failure, Stream& stream) {
-    // Not logLine(), which allocates: an exception from here would end the process.
-    static_cast<void>(
-        std::fprintf(stderr, "picl: connection to the property server closed: %s\n", failure.what()));
+    logLine("connection to the property server closed: ", failure.what());
     stream.close();
 }
 

@@ -1,9 +1,14 @@
 #include "platform/Log.h"
 
 #include <cstdio>
-#include <utility>
 
-void logLine(std::string message) {
-    message += '\n';
-    static_cast<void>(std::fwrite(message.data(), 1, message.size(), stderr)); // unbuffered: one write
+namespace {
+
+int lengthOf(std::string_view text) { return static_cast<int>(text.size()); }
+
+} // namespace
+
+void logLine(std::string_view message, std::string_view detail) noexcept {
+    static_cast<void>(std::fprintf(stderr, "%.*s%.*s\n", lengthOf(message), message.data(), lengthOf(detail),
+                                   detail.data()));
 }

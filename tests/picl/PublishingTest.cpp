@@ -91,7 +91,7 @@ TEST_F(AgentTest, AReportThatFitsIntoNoFrameIsLoggedOnce) {
         EXPECT_EQ(peer->hears(), frameOf(reports(report(*number))));
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "picl: \"a name\" (G:" + guid + ") is not reported: its value is too long for a frame\n");
+              "\"a name\" (G:" + guid + ") is not reported: its value is too long for a frame\n");
 }
 
 TEST_F(AgentTest, AfterAFailedWriteThereIsSilenceUntilSomebodySubscribes) {
