@@ -1,12 +1,12 @@
 #pragma once
 
+#include "app/UpgradeSharedRecord.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
-
-struct UpgradeSharedRecord;
 
 /// The events between the upgrader and the application. The first three to wait on stand in the order in
 /// which a wait prefers them.
@@ -38,13 +38,19 @@ public:
     /// Requires: called before waitForEvent() and setEvent(). Thread: the first.
     virtual void openEvent(UpgradeEvent event) = 0;
 
-    /// Makes or opens the shared record and maps it. Returns null if that fails; the record lives as long as
-    /// this object. Thread: the first.
-    virtual UpgradeSharedRecord* openRecord() = 0;
+    /// Opens the shared record, or creates it. Thread: the first.
+    virtual void openRecord() = 0;
 
-    /// Makes or opens the mutex that guards the record, not owned. Returns false if that fails. Thread: the
-    /// first.
-    [[nodiscard]] virtual bool openMutex() = 0;
+    /// Opens the mutex that guards the record, or creates it. Thread: the first.
+    virtual void openMutex() = 0;
+
+    /// Returns a copy of the record, or nothing if the record is absent or does not have its size. Requires:
+    /// openRecord() was called and the mutex is locked. Thread-safe.
+    [[nodiscard]] virtual std::optional<UpgradeSharedRecord> readRecord() = 0;
+
+    /// Writes `uiCommand` of the record. Returns false if the record is absent, does not have its size or
+    /// cannot be written. Requires: as readRecord(), but the first write needs no lock. Thread-safe.
+    [[nodiscard]] virtual bool writeCommand(std::uint8_t command) = 0;
 
     /// Waits, without limit, until one of the first three events is set, and resets it; the first in their
     /// order if several are. Returns nothing when endWait() was called or the wait failed: then no later wait
@@ -58,8 +64,8 @@ public:
     virtual void setEvent(UpgradeEvent event) = 0;
 
     /// Locks the mutex of the record; not recursive. Blocks until the mutex is free, but after beginExit()
-    /// for at most 2 s from that call; returns false and logs if the mutex is not free by then. Requires:
-    /// openMutex() returned true. Thread-safe.
+    /// for at most 2 s from that call; returns false and logs if the mutex is not free by then. Returns false
+    /// if the mutex is absent. Thread-safe.
     [[nodiscard]] virtual bool lock() = 0;
     virtual void unlock() = 0;
 

@@ -1,7 +1,6 @@
 #include "app/WindowsUpgradeInterface.h"
 
 #include "app/UpgradeMessage.h"
-#include "app/UpgradeSharedRecord.h"
 #include "platform/Log.h"
 
 #include <cstring>
@@ -44,17 +43,13 @@ private:
 WindowsUpgradeInterface::WindowsUpgradeInterface(std::shared_ptr<UpgradePlatform> platform,
                                                  std::vector<std::string> systemFeatures,
                                                  std::shared_ptr<ACPowerProperty> acConnected)
-    : UpgradeInterface(std::move(systemFeatures), std::move(acConnected)),
-      m_platform(std::move(platform)),
-      m_record(nullptr) {
+    : UpgradeInterface(std::move(systemFeatures), std::move(acConnected)), m_platform(std::move(platform)) {
     using enum UpgradeEvent;
     for (const UpgradeEvent event : {UiEvent, ComEvent, UiAck, RequestClose, StartConfirm})
         m_platform->openEvent(event);
-    m_record = m_platform->openRecord();
-    if (m_record != nullptr)
-        m_record->uiCommand = 0; // the one access without the mutex, which comes last
-    if (!m_platform->openMutex())
-        m_record = nullptr;
+    m_platform->openRecord();
+    static_cast<void>(m_platform->writeCommand(0)); // without the mutex, which comes last; may be absent
+    m_platform->openMutex();
 }
 
 WindowsUpgradeInterface::~WindowsUpgradeInterface() {
@@ -143,9 +138,9 @@ void WindowsUpgradeInterface::handleEvent(UpgradeEvent event) {
 
 // Waits for the mutex, so it is never called under m_stepLock.
 std::optional<UpgradeSharedRecord> WindowsUpgradeInterface::readRecord() {
-    if (m_record == nullptr || !m_platform->lock())
+    if (!m_platform->lock())
         return {};
-    const UpgradeSharedRecord record = *m_record;
+    const std::optional<UpgradeSharedRecord> record = m_platform->readRecord();
     m_platform->unlock();
     return record;
 }
@@ -297,11 +292,12 @@ void WindowsUpgradeInterface::dismiss() {
 }
 
 void WindowsUpgradeInterface::send(std::uint8_t command) {
-    if (m_record == nullptr || !m_platform->lock())
+    if (!m_platform->lock())
         return;
-    m_record->uiCommand = command;
+    const bool isWritten = m_platform->writeCommand(command);
     m_platform->unlock();
-    m_platform->setEvent(UpgradeEvent::ComEvent);
+    if (isWritten)
+        m_platform->setEvent(UpgradeEvent::ComEvent);
 }
 
 void WindowsUpgradeInterface::show(UpgradeDisplay display) {

@@ -11,7 +11,6 @@
 #include <thread>
 #include <vector>
 
-struct UpgradeSharedRecord;
 enum class MessagePayload : std::uint8_t;
 
 /// The link over the shared record and its events: the ring, the display machine, the commands.
@@ -72,8 +71,7 @@ private:
     [[nodiscard]] std::optional<UpgradeSharedRecord> readRecord();
 
     std::shared_ptr<UpgradePlatform> m_platform;
-    UpgradeSharedRecord* m_record; // guarded by the mutex of m_platform; null without record or mutex
-    std::uint8_t m_readIndex = 0;  // the listener's own
+    std::uint8_t m_readIndex = 0; // the listener's own
     std::thread m_listener;
 
     KeltoMutex m_stepLock; // comes before the mutex of m_platform

@@ -1,8 +1,9 @@
 #include "app/WindowsUpgradePlatform.h"
 
-#include "app/UpgradeSharedRecord.h"
 #include "platform/Log.h"
 
+#include <cstddef>
+#include <span>
 #include <thread>
 
 namespace {
@@ -23,12 +24,22 @@ void WindowsUpgradePlatform::openEvent(UpgradeEvent event) {
         m_waiter.watch(place, indexOf(event));
 }
 
-UpgradeSharedRecord* WindowsUpgradePlatform::openRecord() {
+void WindowsUpgradePlatform::openRecord() {
     m_record.emplace(kUpgradeRecordName, sizeof(UpgradeSharedRecord));
-    return static_cast<UpgradeSharedRecord*>(m_record->data());
 }
 
-bool WindowsUpgradePlatform::openMutex() { return !m_mutex.emplace(kUpgradeMutexName).failure(); }
+void WindowsUpgradePlatform::openMutex() { m_mutex.emplace(kUpgradeMutexName); }
+
+std::optional<UpgradeSharedRecord> WindowsUpgradePlatform::readRecord() {
+    UpgradeSharedRecord record{};
+    if (!m_record->read(std::as_writable_bytes(std::span(&record, 1))))
+        return {};
+    return record;
+}
+
+bool WindowsUpgradePlatform::writeCommand(std::uint8_t command) {
+    return m_record->write(std::as_bytes(std::span(&command, 1)), offsetof(UpgradeSharedRecord, uiCommand));
+}
 
 std::optional<UpgradeEvent> WindowsUpgradePlatform::waitForEvent() {
     const os::EventWaiter::Result result = m_waiter.wait();
@@ -43,6 +54,8 @@ void WindowsUpgradePlatform::setEvent(UpgradeEvent event) { m_events[indexOf(eve
 
 // A blocking lock of the file could not be ended at exit, hence the retries.
 bool WindowsUpgradePlatform::lock() {
+    if (m_mutex->failure())
+        return false;
     while (!m_mutex->tryLock()) {
         if (Clock::now() >= m_lockDeadline.load()) {
             logLine("another process holds \"" + std::string(kUpgradeMutexName) +

@@ -15,8 +15,10 @@
 class WindowsUpgradePlatform final : public UpgradePlatform {
 public:
     void openEvent(UpgradeEvent event) override;
-    UpgradeSharedRecord* openRecord() override;
-    bool openMutex() override;
+    void openRecord() override;
+    void openMutex() override;
+    std::optional<UpgradeSharedRecord> readRecord() override;
+    bool writeCommand(std::uint8_t command) override;
     std::optional<UpgradeEvent> waitForEvent() override;
     void endWait() override;
     void setEvent(UpgradeEvent event) override;

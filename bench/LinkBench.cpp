@@ -83,7 +83,8 @@ void codeToDisplayHandler(benchmark::State& state) {
     for (auto _ : state) {
         if (!upgrader->awaitTaken(10s))
             throw std::runtime_error("the listener does not take its codes");
-        upgrader->write(MsgFailed);
+        if (!upgrader->write(MsgFailed))
+            throw std::runtime_error("the record is damaged");
         state.SetIterationTime(arrival.timed([&] { upgrader->signalCodes(); }));
     }
 }

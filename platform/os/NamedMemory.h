@@ -1,33 +1,39 @@
 #pragma once
 
+#include "platform/os/Descriptor.h"
+
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <system_error>
 
 namespace os {
 
-/// A named piece of memory that processes share. Who reads and writes it brings the exclusion (NamedMutex).
+/// Named memory of a fixed size that processes share: a file, accessed by reads and writes at offsets.
+///
+/// If a process truncates the file, an access fails; with a mapping it would end the process. Accesses are
+/// coherent with mappings in other processes. The callers of read() and write() exclude each other with a
+/// NamedMutex.
 class NamedMemory {
 public:
-    /// Makes the memory called @p name with @p size bytes of zero, or opens it if it exists, and maps it for
-    /// reading and writing. What exists with any other size, but for 0, is left alone and not mapped. Thread:
-    /// any.
+    /// Opens the memory @p name, or creates it with @p size bytes of zero and reserves its room. A file with
+    /// any other size, except 0, is left alone. Thread-safe.
     NamedMemory(std::string_view name, std::size_t size);
-    ~NamedMemory();
 
-    NamedMemory(const NamedMemory&) = delete;
-    NamedMemory& operator=(const NamedMemory&) = delete;
+    /// Copies the memory to @p bytes, which have its size. Returns false if the file is absent or truncated.
+    [[nodiscard]] bool read(std::span<std::byte> bytes) const;
 
-    /// Returns the first byte, aligned for any type; null if the memory could not be mapped. Thread: any.
-    [[nodiscard]] void* data() const { return m_data; }
+    /// Copies @p bytes to @p offset. Returns false if the file is absent or does not have its size, or if the
+    /// medium is full. Requires: the bytes are within the size.
+    [[nodiscard]] bool write(std::span<const std::byte> bytes, std::size_t offset = 0);
 
-    /// Returns why the memory is absent; no error if it is there.
+    /// Returns the reason if the memory could not be opened or created; no error otherwise.
     [[nodiscard]] std::error_code failure() const { return m_failure; }
 
 private:
     std::size_t m_size;
-    void* m_data = nullptr;
     std::error_code m_failure;
+    Descriptor m_file;
 };
 
 } // namespace os

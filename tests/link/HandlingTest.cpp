@@ -247,8 +247,8 @@ TEST(Handling, ObjectsAreOpenedInOrderAndTheCommandIsCleared) {
 TEST(Handling, WithoutRecordOrMutexTheLinkOnlyAcknowledges) {
     for (const bool hasRecord : {false, true}) {
         auto platform = std::make_shared<ScriptedPlatform>();
-        platform->recordCanBeOpened = hasRecord;
-        platform->mutexCanBeOpened = !hasRecord;
+        platform->hasRecord = hasRecord;
+        platform->hasMutex = !hasRecord;
         const auto link = std::make_shared<WindowsUpgradeInterface>(platform);
         link->setDisplayHandler([&](UpgradeDisplay) { platform->note("display"); });
         link->start();

@@ -1,5 +1,6 @@
 #include "app/UpgradeInterface.h"
 #include "app/UpgradeMessage.h"
+#include "app/UpgradeSharedRecord.h"
 
 #include "platform/ThreadFactory.h"
 #include "platform/os/NamedMutex.h"
@@ -150,6 +151,25 @@ TEST_F(RealObjects, AMutexThatCannotBeOpenedCountsAsAnAbsentRecord) {
     startApplication();
     application->sendUserAction(UserAction::ActionReboot);
     EXPECT_FALSE(upgrader->awaitReply(0ms));
+}
+
+TEST_F(RealObjects, ATruncatedRecordCountsAsAbsentUntilItIsRestored) {
+    startUpgrader();
+    startApplication();
+    ASSERT_TRUE(upgrader->send(MsgFailed, kDeadline));
+    ASSERT_TRUE(shows({5}));
+    std::filesystem::resize_file(objectFile(kUpgradeRecordName), 0);
+    EXPECT_FALSE(upgrader->send(MsgCompleted, kDeadline));
+    application->sendUserAction(UserAction::ActionReboot);
+    EXPECT_FALSE(upgrader->awaitReply(0ms)) << "no command";
+    upgrader->signalCodes();
+    upgrader->requestClose();
+    EXPECT_TRUE(upgrader->awaitReply(kDeadline)) << "the acknowledgement";
+    EXPECT_EQ(displays(), (std::vector{5, 12}));
+
+    std::filesystem::resize_file(objectFile(kUpgradeRecordName), sizeof(UpgradeSharedRecord));
+    application->sendUserAction(UserAction::ActionReboot);
+    EXPECT_TRUE(upgrader->awaitReply(kDeadline));
 }
 
 TEST_F(RealObjects, AMutexThatIsKeptDelaysTheExitNoLongerThanItsLimit) {

@@ -10,14 +10,19 @@
 
 void ScriptedPlatform::openEvent(UpgradeEvent event) { note("open " + std::string(eventName(event))); }
 
-UpgradeSharedRecord* ScriptedPlatform::openRecord() {
-    note("open " + std::string(kUpgradeRecordName));
-    return recordCanBeOpened ? &record : nullptr;
+void ScriptedPlatform::openRecord() { note("open " + std::string(kUpgradeRecordName)); }
+
+void ScriptedPlatform::openMutex() {
+    note("open " + std::string(kUpgradeMutexName) + " uiCommand " + std::to_string(record.uiCommand));
 }
 
-bool ScriptedPlatform::openMutex() {
-    note("open " + std::string(kUpgradeMutexName) + " uiCommand " + std::to_string(record.uiCommand));
-    return mutexCanBeOpened;
+std::optional<UpgradeSharedRecord> ScriptedPlatform::readRecord() {
+    return hasRecord ? std::optional(record) : std::nullopt;
+}
+
+bool ScriptedPlatform::writeCommand(std::uint8_t command) {
+    record.uiCommand = command;
+    return hasRecord;
 }
 
 std::optional<UpgradeEvent> ScriptedPlatform::waitForEvent() {
@@ -62,6 +67,8 @@ void ScriptedPlatform::setEvent(UpgradeEvent event) {
 }
 
 bool ScriptedPlatform::lock() {
+    if (!hasMutex)
+        return false;
     std::unique_lock guard(m_lock);
     m_mutexAwaited = m_mutexKept;
     m_changed.wait(guard, [this] { return !m_mutexKept && !m_mutexHeld; });

@@ -16,8 +16,10 @@
 class ScriptedPlatform final : public UpgradePlatform {
 public:
     void openEvent(UpgradeEvent event) override;
-    UpgradeSharedRecord* openRecord() override;
-    bool openMutex() override;
+    void openRecord() override;
+    void openMutex() override;
+    std::optional<UpgradeSharedRecord> readRecord() override;
+    bool writeCommand(std::uint8_t command) override;
     std::optional<UpgradeEvent> waitForEvent() override;
     void endWait() override;
     void setEvent(UpgradeEvent event) override;
@@ -52,8 +54,8 @@ public:
     [[nodiscard]] bool waitHasEnded() const;
 
     UpgradeSharedRecord record{};
-    bool recordCanBeOpened = true;
-    bool mutexCanBeOpened = true;
+    bool hasRecord = true;
+    bool hasMutex = true;
 
 private:
     mutable std::mutex m_lock; // guards all that follows

@@ -132,28 +132,42 @@ TEST_F(NamedObject, AnEventIsInUseWhileAnyoneHasItOpen) {
     EXPECT_FALSE(NamedEvent::isInUse("absent"));
 }
 
-TEST_F(NamedObject, MemoryStartsAsZerosAndIsShared) {
+TEST_F(NamedObject, MemoryIsZerosWithItsRoomReservedAndIsShared) {
     ASSERT_FALSE(os::makeNamedObjectFolder());
     std::ofstream(objectFile("empty")).close();
     for (const char* name : {"absent", "empty"}) {
-        const os::NamedMemory one(name, 336);
+        os::NamedMemory one(name, 336);
         const os::NamedMemory other(name, 336);
-        ASSERT_NE(one.data(), nullptr) << name;
-        ASSERT_NE(other.data(), nullptr) << name;
-        EXPECT_EQ(std::filesystem::file_size(objectFile(name)), 336U);
-        EXPECT_EQ(static_cast<char*>(other.data())[335], 0);
-        static_cast<char*>(one.data())[335] = 'x';
-        EXPECT_EQ(static_cast<char*>(other.data())[335], 'x');
+        struct stat status {};
+        ASSERT_EQ(::stat(objectFile(name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_size, 336);
+        EXPECT_GT(status.st_blocks, 0) << "a sparse file has no room for its bytes";
+        std::array<std::byte, 336> bytes{std::byte{1}};
+        EXPECT_TRUE(other.read(bytes));
+        EXPECT_EQ(bytes, (std::array<std::byte, 336>{})) << name;
+        EXPECT_TRUE(one.write(std::array{std::byte{'x'}}, 335));
+        EXPECT_TRUE(other.read(bytes));
+        EXPECT_EQ(bytes.back(), std::byte{'x'});
     }
 }
 
-TEST_F(NamedObject, MemoryOfAnotherSizeIsLeftAlone) {
+TEST_F(NamedObject, MemoryOfAnotherSizeIsLeftAloneAndCannotBeAccessed) {
     ASSERT_FALSE(os::makeNamedObjectFolder());
-    std::ofstream(objectFile("other")) << "not 336 bytes";
-    const os::NamedMemory memory("other", 336);
-    EXPECT_EQ(memory.data(), nullptr);
-    EXPECT_TRUE(memory.failure());
-    EXPECT_EQ(std::filesystem::file_size(objectFile("other")), 13U);
+    for (const std::uintmax_t size : {13U, 335U, 337U}) {
+        std::ofstream(objectFile("other")) << std::string(size, 'x');
+        os::NamedMemory other("other", 336);
+        EXPECT_TRUE(other.failure());
+        os::NamedMemory truncated("truncated", 336);
+        std::filesystem::resize_file(objectFile("truncated"), size % 336);
+        for (os::NamedMemory* memory : {&truncated, &other}) {
+            std::array<std::byte, 336> bytes{};
+            EXPECT_FALSE(memory->read(bytes)) << size;
+            EXPECT_FALSE(memory->write(bytes)) << size;
+        }
+        EXPECT_EQ(std::filesystem::file_size(objectFile("truncated")), size % 336);
+        EXPECT_EQ(std::filesystem::file_size(objectFile("other")), size);
+        std::filesystem::remove(objectFile("truncated"));
+    }
 }
 
 TEST_F(NamedObject, TheMutexExcludesThreadsAndOtherHolders) {

@@ -6,7 +6,9 @@
 #include "platform/os/NamedMemory.h"
 #include "platform/os/NamedMutex.h"
 
+#include <array>
 #include <csignal>
+#include <cstddef>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -45,11 +47,13 @@ TEST_F(Application, ASecondStartEndsAtOnceAndTouchesNothing) {
     upgrader->confirmStart();
     ASSERT_TRUE(acknowledges()) << "it listens";
     ASSERT_TRUE(upgrader->send(ProgressExtractingPkg, kDeadline));
-    const os::NamedMemory memory(kUpgradeRecordName, sizeof(UpgradeSharedRecord));
-    auto* record = static_cast<UpgradeSharedRecord*>(memory.data());
-    record->uiCommand = 77; // a start that goes on would clear it
+    os::NamedMemory record(kUpgradeRecordName, sizeof(UpgradeSharedRecord));
+    std::array<std::byte, sizeof(UpgradeSharedRecord)> bytes{};
+    constexpr std::size_t kCommand = offsetof(UpgradeSharedRecord, uiCommand);
+    ASSERT_TRUE(record.write(std::array{std::byte{77}}, kCommand)); // the second start must not clear it
     EXPECT_EQ(startApplication()->exitStatus(kDeadline), 0);
-    EXPECT_EQ(record->uiCommand, 77);
+    ASSERT_TRUE(record.read(bytes));
+    EXPECT_EQ(bytes[kCommand], std::byte{77});
     EXPECT_FALSE(upgrader->awaitReply(std::chrono::milliseconds(0)));
     ASSERT_TRUE(upgrader->send(MsgExitUi, kDeadline));
     EXPECT_TRUE(repliesWith(CommandUiExiting)) << "the first one is still there";

@@ -4,6 +4,7 @@
 #include "platform/os/NamedObjectFolder.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <mutex>
 #include <thread>
 
@@ -20,6 +21,10 @@ void copyText(RecordText& field, const std::string& text) {
     std::copy_n(text.begin(), std::min(text.size(), UpgraderLink::kMaxTextBytes), field.begin());
 }
 
+std::span<std::byte> bytesOf(UpgradeSharedRecord& record) {
+    return std::as_writable_bytes(std::span(&record, 1));
+}
+
 std::string sentence(std::string_view object, const std::error_code& why) {
     return "cannot make \"" + std::string(object) + "\" in " + os::namedObjectFolder() + ": " + why.message();
 }
@@ -34,10 +39,9 @@ std::unique_ptr<UpgraderLink> UpgraderLink::create(std::string& why) {
     const bool inUse = os::NamedEvent::isInUse(eventName(UpgradeEvent::UiEvent));
     std::unique_ptr<UpgraderLink> link(new UpgraderLink);
     why = link->makeObjects();
-    if (!why.empty())
-        return nullptr;
-    link->startRecord(inUse);
-    return link;
+    if (why.empty() && !link->startRecord(inUse))
+        why = sentence(kUpgradeRecordName, std::make_error_code(std::errc::io_error));
+    return why.empty() ? std::move(link) : nullptr;
 }
 
 std::string UpgraderLink::makeObjects() {
@@ -45,7 +49,6 @@ std::string UpgraderLink::makeObjects() {
         return sentence(kUpgradeRecordName, m_memory.failure());
     if (m_mutex.failure())
         return sentence(kUpgradeMutexName, m_mutex.failure());
-    m_record = static_cast<UpgradeSharedRecord*>(m_memory.data());
 
     using enum UpgradeEvent;
     for (const UpgradeEvent which : {UiEvent, RequestClose, StartConfirm, ComEvent, UiAck}) {
@@ -61,51 +64,67 @@ std::string UpgraderLink::makeObjects() {
     return {};
 }
 
-void UpgraderLink::startRecord(bool inUse) {
-    if (!inUse) {
-        const std::scoped_lock guard(m_mutex);
-        *m_record = {};
-        return;
+bool UpgraderLink::startRecord(bool inUse) {
+    if (inUse) {
+        // An earlier upgrader may have left any number, with a signal or without.
+        m_outstanding = kMaxOutstandingCodes;
+        return true;
     }
-    m_outstanding =
-        kMaxOutstandingCodes; // an earlier upgrader may have left any number, with a signal or without
+    const std::scoped_lock guard(m_mutex);
+    UpgradeSharedRecord zeros{};
+    return m_memory.write(bytesOf(zeros));
+}
+
+// `uiCommand` stays as it is: the application clears it once without the mutex.
+template <typename Change>
+bool UpgraderLink::changeRecord(Change change) {
+    const std::scoped_lock guard(m_mutex);
+    UpgradeSharedRecord record{};
+    if (!m_memory.read(bytesOf(record)))
+        return false;
+    change(record);
+    return m_memory.write(bytesOf(record).first(offsetof(UpgradeSharedRecord, uiCommand)));
 }
 
 void UpgraderLink::writePrinterInfo(const UpgradeInfo& info) {
-    const std::scoped_lock guard(m_mutex);
-    copyText(m_record->printerVersion, info.version);
-    copyText(m_record->printerDeviceName, info.deviceName);
-    copyText(m_record->printerRegion, info.region);
+    changeRecord([&](UpgradeSharedRecord& record) {
+        copyText(record.printerVersion, info.version);
+        copyText(record.printerDeviceName, info.deviceName);
+        copyText(record.printerRegion, info.region);
+    });
 }
 
 void UpgraderLink::writePackageInfo(const UpgradeInfo& info) {
-    const std::scoped_lock guard(m_mutex);
-    copyText(m_record->packageVersion, info.version);
-    copyText(m_record->packageDeviceName, info.deviceName);
-    copyText(m_record->packageRegion, info.region);
+    changeRecord([&](UpgradeSharedRecord& record) {
+        copyText(record.packageVersion, info.version);
+        copyText(record.packageDeviceName, info.deviceName);
+        copyText(record.packageRegion, info.region);
+    });
 }
 
 void UpgraderLink::writePackageSize(std::uint32_t bytes) {
-    const std::scoped_lock guard(m_mutex);
-    m_record->packageSize = bytes;
+    changeRecord([bytes](UpgradeSharedRecord& record) { record.packageSize = bytes; });
 }
 
 bool UpgraderLink::send(std::span<const std::uint8_t> codes, Milliseconds patience) {
     for (const std::uint8_t code : codes) {
         if (m_outstanding == kMaxOutstandingCodes && !awaitTaken(patience))
             return false;
-        write(code);
+        if (!write(code))
+            return false;
     }
     signalCodes();
     return true;
 }
 
-void UpgraderLink::write(std::uint8_t code) {
-    const std::scoped_lock guard(m_mutex);
-    const std::uint8_t slot = m_record->writeIndex % kRingSlots;
-    m_record->messageRing[slot] = code;
-    m_record->writeIndex = static_cast<std::uint8_t>((slot + 1) % kRingSlots);
-    ++m_outstanding;
+bool UpgraderLink::write(std::uint8_t code) {
+    const bool isWritten = changeRecord([code](UpgradeSharedRecord& record) {
+        const std::uint8_t slot = record.writeIndex % kRingSlots;
+        record.messageRing[slot] = code;
+        record.writeIndex = static_cast<std::uint8_t>((slot + 1) % kRingSlots);
+    });
+    m_outstanding += isWritten ? 1 : 0;
+    return isWritten;
 }
 
 bool UpgraderLink::awaitTaken(Milliseconds patience) {
@@ -135,5 +154,8 @@ std::optional<UpgraderReply> UpgraderLink::awaitReply(Milliseconds patience) {
     if (static_cast<UpgradeEvent>(result.index) == UpgradeEvent::UiAck)
         return UpgraderReply{UpgraderReply::Kind::Acknowledgement};
     const std::scoped_lock guard(m_mutex);
-    return UpgraderReply{UpgraderReply::Kind::Command, m_record->uiCommand};
+    UpgradeSharedRecord record{};
+    if (!m_memory.read(bytesOf(record)))
+        return {};
+    return UpgraderReply{UpgraderReply::Kind::Command, record.uiCommand};
 }

@@ -15,8 +15,6 @@
 #include <string>
 #include <string_view>
 
-struct UpgradeSharedRecord;
-
 /// The three texts about a printer or a package, each UTF-8 of at most 49 bytes.
 struct UpgradeInfo {
     std::string version;
@@ -43,24 +41,24 @@ public:
     /// How many bytes a text of the record holds.
     static constexpr std::size_t kMaxTextBytes = 49;
 
-    /// Makes the objects, or joins them where they exist. A record that no application has open starts anew,
-    /// from zeros; one in use is carried on. Returns null on failure and puts a sentence about it into @p
-    /// why.
+    /// Opens the objects, or creates them. A record that no application has open is filled with zeros; one in
+    /// use is continued. Returns null on failure and puts a sentence about it into @p why.
     static std::unique_ptr<UpgraderLink> create(std::string& why);
 
-    /// Requires: texts of at most kMaxTextBytes; what is longer is cut.
+    /// Write a payload. Longer texts are cut. No effect if the record is damaged: send() reports that.
     void writePrinterInfo(const UpgradeInfo& info);
     void writePackageInfo(const UpgradeInfo& info);
     void writePackageSize(std::uint32_t bytes);
 
     /// Writes @p codes into the ring and signals once; where they do not fit, waits until the application has
-    /// taken what is outstanding. Returns false if it does not within @p patience: then the codes from there
-    /// on are not written. Blocks.
+    /// taken what is outstanding. Returns false if it does not within @p patience or the record is damaged:
+    /// then the codes from there on are not written. Blocks.
     [[nodiscard]] bool send(std::span<const std::uint8_t> codes, Milliseconds patience);
     [[nodiscard]] bool send(std::uint8_t code, Milliseconds patience) { return send({&code, 1}, patience); }
 
-    /// The two steps of send(), for who wants them apart. Requires: fewer than 24 codes outstanding.
-    void write(std::uint8_t code);
+    /// The two steps of send(). write() returns false if the record is damaged. Requires: fewer than 24 codes
+    /// outstanding.
+    [[nodiscard]] bool write(std::uint8_t code);
     void signalCodes() { event(UpgradeEvent::UiEvent).set(); }
 
     /// Waits until the application has taken every code. Returns false if it has not within @p patience.
@@ -71,8 +69,8 @@ public:
     void requestClose() { event(UpgradeEvent::RequestClose).set(); }
     void confirmStart() { event(UpgradeEvent::StartConfirm).set(); }
 
-    /// Waits for the next command or acknowledgement. Returns nothing if none comes within @p patience.
-    /// Blocks.
+    /// Waits for the next command or acknowledgement. Returns nothing if none comes within @p patience or the
+    /// record is damaged. Blocks.
     [[nodiscard]] std::optional<UpgraderReply> awaitReply(Milliseconds patience);
 
 private:
@@ -80,13 +78,17 @@ private:
 
     os::NamedEvent& event(UpgradeEvent which) { return m_events[static_cast<std::size_t>(which)]; }
     std::string makeObjects();
-    void startRecord(bool inUse);
+    bool startRecord(bool inUse);
+
+    /// Calls @p change with a copy of the record and writes the upgrader's fields back, under the mutex.
+    /// Returns false if the record is damaged.
+    template <typename Change>
+    bool changeRecord(Change change);
     bool awaitSignalTaken(std::chrono::steady_clock::time_point deadline);
 
     std::array<os::NamedEvent, kUpgradeEvents> m_events;
-    os::NamedMemory m_memory;
+    os::NamedMemory m_memory; // guarded by m_mutex
     os::NamedMutex m_mutex;
     os::EventWaiter m_waiter;
-    UpgradeSharedRecord* m_record = nullptr; // guarded by m_mutex
-    int m_outstanding = 0;                   // codes of which it is not known that they were taken
+    int m_outstanding = 0; // codes of which it is not known that they were taken
 };
