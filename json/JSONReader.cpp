@@ -4,14 +4,11 @@
 #include "json/JSONBuilder.h"
 #include "json/JSONScanner.h"
 
-#include <array>
-#include <cerrno>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 #include <string_view>
 
 KeltoMutex& jsonEngineLock = *new KeltoMutex;
@@ -45,25 +42,6 @@ JSONValue parse(std::string_view text, std::size_t maxValues) {
     JSONBuilder builder(text, maxValues);
     StringRun run(text);
     return jsonparse(builder, run) == 0 ? builder.takeValue() : JSONValue();
-}
-
-struct FileCloser {
-    void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); } // it was only read
-};
-
-std::string readAll(std::FILE& file) {
-    std::string text;
-    std::array<char, 16384> buffer{};
-    do {
-        std::clearerr(&file);
-        while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), &file))
-            text.append(buffer.data(), count);
-    } while (std::ferror(&file) != 0 && errno == EINTR);
-    if (std::ferror(&file) != 0) {
-        std::fputs("input in flex scanner failed\n", stderr);
-        std::exit(2); // NOLINT(concurrency-mt-unsafe): as told, and under the lock of the engine
-    }
-    return text;
 }
 
 unsigned hexDigits(std::string_view digits) {
@@ -107,10 +85,13 @@ std::size_t appendUnescaped(std::string& text, std::string_view rest) {
 JSONValue parseJsonText(const char* text, std::size_t maxValues) { return parse(text, maxValues); }
 
 JSONValue parseJsonFile(const char* path) {
-    if (os::isFolder(path)) // it would open
-        return {};
-    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path, "re"));
-    return file != nullptr ? parse(readAll(*file), kAnyNumberOfValues) : JSONValue();
+    std::string text;
+    const std::error_code failure = os::readFile(path, text);
+    if (failure == std::errc::io_error) {
+        std::fputs("input in flex scanner failed\n", stderr);
+        std::exit(2); // NOLINT(concurrency-mt-unsafe): the documented result, and under the engine's lock
+    }
+    return failure ? JSONValue() : parse(text, kAnyNumberOfValues);
 }
 
 void unescapeText(std::string& text) {

@@ -36,8 +36,8 @@ public:
     KELTO_REQUIRES(jsonEngineLock);
 
 /// Reads the JSON text of a file, as parseJsonText() does; a zero byte is skipped. @p path is one of the
-/// host. Returns null, the value, also if the file does not exist. Ends the process with status 2 if a read
-/// fails; a signal does not make a read fail. Thread-safe. Blocks for the file.
+/// host. Returns null, the value, also if there is no such regular file or it has more than os::kMaxFileSize
+/// bytes. Ends the process with status 2 if the medium fails. Thread-safe. Blocks for the medium.
 [[nodiscard]] JSONValue parseJsonFile(const char* path) KELTO_REQUIRES(jsonEngineLock);
 
 /// Replaces the escapes of a string in double quotes, RFC 8259 section 7, by what they stand for, each "\u"

@@ -103,6 +103,13 @@ std::vector<std::wstring> listFolder(std::wstring_view folder) {
 
 bool fileIsReadable(std::string_view path) { return os::fileIsReadable(onHost(toWide(path))); }
 
+std::optional<std::string> readFile(std::wstring_view path) {
+    std::string bytes;
+    if (os::readFile(onHost(path), bytes))
+        return {};
+    return bytes;
+}
+
 bool createFolder(std::wstring_view path) { return !os::createFolder(onHost(path)); }
 
 bool copyFile(std::wstring_view source, std::wstring_view destination, bool overwrite) {
@@ -119,9 +126,8 @@ bool replaceByCopy(std::wstring_view source, std::wstring_view destination) {
     return !os::replaceByCopy(onHost(source), onHost(destination));
 }
 
-bool rewriteFile(std::wstring_view path, std::size_t maxSize,
-                 const std::function<std::string(std::string_view)>& edit) {
-    return !os::rewriteFile(onHost(path), maxSize, edit);
+bool rewriteFile(std::wstring_view path, const std::function<std::string(std::string_view)>& edit) {
+    return !os::rewriteFile(onHost(path), edit);
 }
 
 bool removeFile(std::wstring_view path) { return !os::removeFile(onHost(path)); }

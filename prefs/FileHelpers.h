@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,8 +36,12 @@
 /// Returns the names in @p folder but for "." and "..", in byte order; none if it cannot be read.
 [[nodiscard]] std::vector<std::wstring> listFolder(std::wstring_view folder);
 
-/// Returns whether the file opens for input. A folder does not.
+/// Returns whether @p path is a regular file that opens for input.
 [[nodiscard]] bool fileIsReadable(std::string_view path);
+
+/// Returns the bytes of a file, or nothing if it is not a regular file or cannot be read. A file of more than
+/// os::kMaxFileSize bytes counts as empty. Never waits for a FIFO or a device. Blocks for the medium.
+[[nodiscard]] std::optional<std::string> readFile(std::wstring_view path);
 
 /// Makes one folder. Returns whether it did: not if the path exists.
 [[nodiscard]] bool createFolder(std::wstring_view path);
@@ -57,9 +61,10 @@ bool copyFile(std::wstring_view source, std::wstring_view destination, bool over
 [[nodiscard]] bool replaceByCopy(std::wstring_view source, std::wstring_view destination);
 
 /// Rewrites a file in place: passes its content, empty if it is absent, to @p edit and replaces it by the
-/// result. Refuses a file of more than @p maxSize bytes. A full medium leaves the file unchanged where the
-/// file system can reserve room. Returns whether all of it is on the medium. Blocks until it is.
-[[nodiscard]] bool rewriteFile(std::wstring_view path, std::size_t maxSize,
+/// result. A file of more than os::kMaxFileSize bytes counts as empty. A full medium leaves the file
+/// unchanged where the file system can reserve room. Returns whether all of it is on the medium. Blocks until
+/// it is.
+[[nodiscard]] bool rewriteFile(std::wstring_view path,
                                const std::function<std::string(std::string_view)>& edit);
 
 /// Removes a file. Returns whether it is gone from the medium. Blocks until the medium knows.

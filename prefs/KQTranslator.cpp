@@ -1,5 +1,6 @@
 #include "prefs/KQTranslator.h"
 
+#include "platform/WideText.h"
 #include "platform/os/DeviceRoot.h"
 #include "prefs/ApplicationIdentity.h"
 #include "prefs/FileHelpers.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -26,11 +28,9 @@ QString hostPath(const std::string& printerPath) {
     return QFile::decodeName(QByteArray::fromStdString(os::hostPath(printerPath)));
 }
 
-QJsonObject readObject(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return {};
-    QTextStream stream(&file);
+QJsonObject readObject(const std::string& path) {
+    const std::optional<std::string> bytes = readFile(toWide(path));
+    QTextStream stream(QByteArray::fromStdString(bytes.value_or("")));
     stream.setCodec("UTF-8");
     stream.setAutoDetectUnicode(true);
     return QJsonDocument::fromJson(stream.readAll().toUtf8()).object();
@@ -50,8 +50,7 @@ KQTranslator::KQTranslator(QGuiApplication* application, const std::string& valu
     : QObject(parent),
       m_folders(ApplicationIdentity::instance().translationFolders()),
       m_application(application) {
-    readLanguages(
-        readObject(hostPath(ApplicationIdentity::instance().appTranslationsFolder() + kLanguagesFile)));
+    readLanguages(readObject(ApplicationIdentity::instance().appTranslationsFolder() + kLanguagesFile));
     selectByValue(substitute(value));
 }
 

@@ -3,17 +3,13 @@
 #include "platform/WideText.h"
 #include "platform/os/DeviceRoot.h"
 #include "prefs/ApplicationIdentity.h"
-#include "prefs/FileHelpers.h"
 #include "json/JSONImporterExporter.h"
 #include "json/JSONReader.h"
 
 #include <algorithm>
 
 std::vector<std::string> readSystemFeatures() {
-    const std::wstring path = ApplicationIdentity::instance().systemFeaturesPath();
-    if (!fileIsReadable(toNarrow(path)))
-        return {};
-    const std::string file = os::hostPath(toNarrow(path));
+    const std::string file = os::hostPath(toNarrow(ApplicationIdentity::instance().systemFeaturesPath()));
     const KeltoGuard guard(jsonEngineLock);
     return getStringList(parseJsonFile(file.c_str()).objectValue, "features");
 }

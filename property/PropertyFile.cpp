@@ -1,6 +1,6 @@
 #include "property/PropertyFile.h"
 
-#include "platform/FileStream.h"
+#include "platform/os/FileSystem.h"
 #include "prefs/FileHelpers.h"
 #include "property/Property.h"
 #include "property/PropertyKey.h"
@@ -162,16 +162,9 @@ bool isGoodPropertyFile(std::string_view file) {
 }
 
 std::optional<std::string> readPropertyFile(const std::wstring& path) {
-    FileStream stream(absolutePath(path), FileRead);
-    if (!stream.isGood())
-        return pathExists(path) ? std::optional<std::string>() : std::string();
-    const std::uint32_t length = stream.size();
-    if (length > kMaxPropertyFileSize)
-        return {};
-    std::string bytes(length, '\0');
-    const auto size = static_cast<std::int32_t>(bytes.size());
-    if (size > 0 && stream.read(bytes.data(), size) != size)
-        return {};
+    std::optional<std::string> bytes = readFile(path);
+    if (!bytes && !pathExists(path))
+        bytes.emplace();
     return bytes;
 }
 
@@ -200,8 +193,14 @@ MergedLines mergeLines(std::string_view lines, std::span<const PropertyFileLine>
     Lines result;
     forEachLine(lines, true, [&result](std::string_view line) { result.push_back(line); });
     MergedLines merged;
+    std::size_t size = lines.size() + 1 + kFileCheckSize; // the last line may lack its end
     for (const PropertyFileLine& change : changes) {
         const auto place = placeOf(change, result);
+        const std::size_t oldSize = place != result.end() ? place->size() + 1 : 0;
+        const std::size_t newSize = size - oldSize + change.text.size() + 1;
+        if (newSize > os::kMaxFileSize)
+            continue;
+        size = newSize;
         if (place != result.end()) {
             *place = change.text;
         } else {

@@ -22,9 +22,6 @@ class Property;
 /// Bytes of the check at the end of a file.
 constexpr std::size_t kFileCheckSize = 2;
 
-/// Larger files are neither read nor rewritten.
-constexpr std::uint32_t kMaxPropertyFileSize = 256U * 1024 * 1024;
-
 /// Returns the check of @p bytes: CRC-16/MAXIM-DOW (polynomial 0x8005 reflected, initial value 0,
 /// complemented).
 std::uint16_t fileCheck(std::string_view bytes);
@@ -43,8 +40,9 @@ bool parsePropertyFile(std::string file, PropertyFileEntries& entries);
 /// Returns whether parsePropertyFile() would accept @p file.
 bool isGoodPropertyFile(std::string_view file);
 
-/// Returns the bytes of the file at @p path, no bytes if it is absent, or nothing if it exists and cannot be
-/// read. A relative path starts at the folder of the program. Blocks for the file.
+/// Returns the bytes of the file at @p path, no bytes if it is absent or larger than os::kMaxFileSize, or
+/// nothing if it exists and cannot be read or is not a regular file. A relative path starts at the folder of
+/// the program. Blocks for the medium.
 std::optional<std::string> readPropertyFile(const std::wstring& path);
 
 /// Returns the prefix of the line of @p property.
@@ -71,5 +69,6 @@ std::string linesWithKeys(std::string_view file);
 
 /// Puts @p changes into @p lines, one after the other: each takes the place of the first line that begins
 /// with its prefix, or of a later one with the same key, which would count instead; or it goes to the end.
-/// All other lines stay as they are.
+/// A change with which the file would have more than os::kMaxFileSize bytes is left out. All other lines stay
+/// as they are.
 MergedLines mergeLines(std::string_view lines, std::span<const PropertyFileLine> changes);

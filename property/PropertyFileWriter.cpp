@@ -126,7 +126,7 @@ const std::string& PropertyFileWriter::baseOfRewrite(const std::wstring& file, s
 bool PropertyFileWriter::rewrite(const std::wstring& file, const Lines& changes) {
     FileState& state = m_states[file];
     MergedLines merged;
-    if (!rewriteFile(file, kMaxPropertyFileSize, [&](std::string_view bytes) {
+    if (!rewriteFile(file, [&](std::string_view bytes) {
             merged = mergeLines(baseOfRewrite(file, bytes, state), changes);
             return withFileCheck(merged.lines);
         }))

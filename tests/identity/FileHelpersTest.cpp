@@ -10,6 +10,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -89,11 +90,13 @@ struct KindRow {
 
 TEST_F(FileHelpers, TellWhatStandsAtAPath) {
     write("file", "x");
+    ASSERT_EQ(::mkfifo((root() / "store/fifo").c_str(), 0600), 0);
     constexpr KindRow kRows[] = {
         {L"/store/file", true, false, true},
         {LR"(\STORE\file)", true, false, true},
         {L"/store/folder", true, true, false},
         {LR"(/store/folder\)", true, true, false},
+        {L"/store/fifo", true, false, false},
         {L"/store/file/", false, false, false},
         {L"/store/absent", false, false, false},
         {L"", false, false, false},

@@ -1,5 +1,6 @@
 #include "json/JSONReader.h"
 
+#include "platform/os/FileSystem.h"
 #include "tests/support/AllocationProbe.h"
 #include "tests/support/DeviceRootTest.h"
 #include "json/JSONPrinter.h"
@@ -8,17 +9,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <fstream>
 #include <regex.h>
 #include <sstream>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -212,41 +207,13 @@ TEST_F(JSONFile, IsReadLikeATextButForZeroBytes) {
     EXPECT_EQ(printed(parseJsonFile(path.c_str())), "{\"a\": [1,2]}");
     EXPECT_EQ(parseJsonFile((path + "no").c_str()).type, JSONValueType::NullValue);
     EXPECT_EQ(parseJsonFile(root().c_str()).type, JSONValueType::NullValue) << "a folder";
+    std::ofstream(path) << "[]" << std::string(os::kMaxFileSize, ' ');
+    EXPECT_EQ(parseJsonFile(path.c_str()).type, JSONValueType::NullValue) << "a large file";
+    std::filesystem::remove(path);
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(parseJsonFile(path.c_str()).type, JSONValueType::NullValue) << "a FIFO";
     EXPECT_EXIT((void)parseJsonFile("/proc/self/mem"), testing::ExitedWithCode(2),
                 "input in flex scanner failed");
-}
-
-std::atomic<int> interruptions = 0;
-
-TEST_F(JSONFile, ASignalDoesNotEndTheReading) {
-    const std::string path = (root() / "pipe").string();
-    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-    struct sigaction action {};
-    action.sa_handler = [](int) { ++interruptions; };
-    ASSERT_EQ(::sigaction(SIGUSR1, &action, nullptr), 0);
-    std::string read;
-    std::thread reader([&] {
-        const KeltoGuard guard(jsonEngineLock);
-        read = printed(parseJsonFile(path.c_str()));
-    });
-    std::ofstream pipe(path);
-    pipe << "[1," << std::flush;
-    const auto isRead = [&] {
-        int left = 0;
-        const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-        EXPECT_EQ(::ioctl(descriptor, FIONREAD, &left), 0);
-        ::close(descriptor);
-        return left == 0;
-    };
-    EXPECT_TRUE(eventually(isRead));
-    for (int sent = 1; sent <= 100; ++sent) { // the first ones can come before the thread waits for more
-        ASSERT_EQ(::pthread_kill(reader.native_handle(), SIGUSR1), 0);
-        ASSERT_TRUE(eventually([&] { return interruptions == sent; }));
-    }
-    pipe << "2]" << std::flush;
-    pipe.close();
-    reader.join();
-    EXPECT_EQ(read, "[1,2]");
 }
 
 } // namespace

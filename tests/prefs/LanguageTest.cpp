@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 
 #include <fstream>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -132,6 +133,9 @@ TEST_F(Languages, AreNoneWhereTheirFileIsNoGood) {
     fs::remove_all(m_own);
     EXPECT_TRUE(start("english").supportedLanguages().isEmpty());
     EXPECT_EQ(stored(), "english");
+    fs::create_directories(m_own);
+    ASSERT_EQ(::mkfifo((m_own / "languages.json").c_str(), 0600), 0);
+    EXPECT_TRUE(start("english").supportedLanguages().isEmpty());
 }
 
 TEST_F(Languages, SubstituteWhereNoneIsOnOffer) {
@@ -195,6 +199,9 @@ TEST_F(Languages, AreTheSumOfTheirFilesTheLastBeforeTheFirst) {
     const fs::path notCompiled = root() / "hard disk/KeltoPrinterApps/Other/translations";
     fs::create_directories(notCompiled);
     std::ofstream(notCompiled / "deutsch.qm") << "no translation";
+    const fs::path fifo = root() / "hard disk/KeltoPrinterApps/Another/translations";
+    fs::create_directories(fifo);
+    ASSERT_EQ(::mkfifo((fifo / "deutsch.qm").c_str(), 0600), 0);
     place("late.qm", root() / "boot/translations/ErrorDetectors");
 
     KQLanguageSupport& languages = start("deutsch");

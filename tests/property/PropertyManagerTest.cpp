@@ -1,6 +1,7 @@
 #include "property/PropertyManager.h"
 
 #include "platform/ThreadFactory.h"
+#include "platform/os/FileSystem.h"
 #include "prefs/FileHelpers.h"
 #include "property/BoolProperty.h"
 #include "property/PropertyFileWriter.h"
@@ -17,6 +18,7 @@
 #include <sstream>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
@@ -363,10 +365,10 @@ TEST_F(RewriteTest, EachRewriteBuildsOnTheBestLinesThatAreKnown) {
              move("away", "store");
          },
          "3 2 4 "},
-        {"the file cannot be read at startup",
+        {"the file is replaced by a FIFO at startup",
          [&] {
              std::filesystem::rename(file(), away);
-             std::filesystem::create_directory(file());
+             ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
              load();
              set("A", "3");
              std::filesystem::remove(file());
@@ -396,6 +398,19 @@ TEST_F(RewriteTest, EachRewriteBuildsOnTheBestLinesThatAreKnown) {
              load();
          },
          "1 6 4 "},
+        {"the file is replaced by a larger one than is read",
+         [&] {
+             load();
+             write(file(), good("G:A|g:n=3\nG:B|g:n=" + std::string(os::kMaxFileSize, 'x') + '\n'));
+         },
+         "1 2 4 "},
+        {"a value does not fit into the file",
+         [&] {
+             load();
+             set("A", std::string(os::kMaxFileSize, 'x').c_str());
+             set("B", "5");
+         },
+         "1 5 4 "},
         {"another file cannot be written",
          [&] {
              load();
@@ -554,7 +569,7 @@ TEST_F(PropertyManagerTest, LargeFilesAndLongLinesLoadAndChange) {
     std::string lines;
     for (int i = 0; i < 10'000; ++i)
         lines += "G:" + std::to_string(i) + "|g:n=" + std::to_string(i) + '\n';
-    const std::string longText(1'000'000, 'x');
+    const std::string longText(800'000, 'x');
     write(file(), good(lines + "G:L|g:n=" + longText + '\n'));
     start();
     EXPECT_EQ(add<StringProperty>("L", "")->getValue(), longText);

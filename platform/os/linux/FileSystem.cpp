@@ -43,17 +43,42 @@ std::error_code writeWhole(const Descriptor& file, std::string_view bytes) {
     return {};
 }
 
-std::error_code copyContent(const Descriptor& source, const Descriptor& destination) {
-    std::array<char, 65536> buffer{};
-    for (;;) {
-        const ssize_t count = retried([&] { return ::read(source.value(), buffer.data(), buffer.size()); });
+// Passes the content to @p take, block by block, until that fails.
+template <typename Take>
+std::error_code readBlocks(const Descriptor& file, Take take) {
+    std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): read before it is used
+    for (off_t offset = 0;;) {
+        const ssize_t count =
+            retried([&] { return ::pread(file.value(), buffer.data(), buffer.size(), offset); });
         if (count < 0)
             return lastFailure();
         if (count == 0)
             return {};
-        if (const auto failure = writeWhole(destination, {buffer.data(), static_cast<std::size_t>(count)}))
+        if (const std::error_code failure =
+                take(std::string_view(buffer.data(), static_cast<std::size_t>(count))))
             return failure;
+        offset += count;
     }
+}
+
+std::error_code copyContent(const Descriptor& source, const Descriptor& destination) {
+    return readBlocks(source, [&](std::string_view block) { return writeWhole(destination, block); });
+}
+
+std::error_code readContent(const Descriptor& file, std::string& bytes) {
+    bytes.clear();
+    struct stat status {};
+    if (const auto failure = regularFileStatus(file, status))
+        return failure;
+    const std::error_code failure = readBlocks(file, [&bytes](std::string_view block) {
+        if (bytes.size() + block.size() > kMaxFileSize)
+            return std::make_error_code(std::errc::file_too_large);
+        bytes += block;
+        return std::error_code();
+    });
+    if (failure)
+        bytes.clear();
+    return failure == std::errc::file_too_large ? std::error_code() : failure;
 }
 
 std::error_code reserveRoom(const Descriptor& file, off_t size) {
@@ -90,9 +115,12 @@ bool isFolder(const std::string& path) {
 }
 
 bool fileIsReadable(const std::string& path) {
-    const Descriptor file = opened(path, O_RDONLY);
     struct stat status {};
-    return file.isOpen() && ::fstat(file.value(), &status) == 0 && !S_ISDIR(status.st_mode);
+    return !regularFileStatus(opened(path, O_RDONLY), status);
+}
+
+std::error_code readFile(const std::string& path, std::string& bytes) {
+    return readContent(opened(path, O_RDONLY), bytes);
 }
 
 std::vector<std::string> listFolder(const std::string& folder) {
@@ -140,18 +168,12 @@ std::error_code replaceByCopy(const std::string& source, const std::string& dest
     return failure;
 }
 
-std::error_code rewriteFile(const std::string& path, std::size_t maxSize,
+std::error_code rewriteFile(const std::string& path,
                             const std::function<std::string(std::string_view)>& edit) {
-    struct stat status {};
     const Descriptor file = opened(path, O_RDWR | O_CREAT, kNewFileMode);
-    if (const auto failure = regularFileStatus(file, status))
+    std::string old;
+    if (const auto failure = readContent(file, old))
         return failure;
-    if (static_cast<std::size_t>(status.st_size) > maxSize)
-        return std::make_error_code(std::errc::file_too_large);
-    std::string old(static_cast<std::size_t>(status.st_size), '\0');
-    const ssize_t count = retried([&] { return ::pread(file.value(), old.data(), old.size(), 0); });
-    if (count != status.st_size)
-        return count < 0 ? lastFailure() : std::make_error_code(std::errc::io_error);
     const std::string bytes = edit(old);
     const auto size = static_cast<off_t>(bytes.size());
     if (const auto failure = replaceContent(file, size, [&] { return writeWhole(file, bytes); }))
