@@ -14,6 +14,7 @@
 #include <regex.h>
 #include <sstream>
 #include <sys/stat.h>
+#include <thread>
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include "property/TriggerProperty.h"
 #include "property/UInt32Property.h"
 
+#include "tests/propertyserver/ResidentBytes.h"
 #include "tests/support/DeviceRootTest.h"
 #include "tests/support/NoThreads.h"
 
@@ -577,6 +578,16 @@ TEST_F(PropertyManagerTest, LargeFilesAndLongLinesLoadAndChange) {
     EXPECT_EQ(last->getValue(), 9999U);
     last->setValue(1);
     EXPECT_TRUE(eventually([&] { return read(file()).find("\nG:9999|g:n=1\n") != std::string::npos; }));
+}
+
+TEST_F(PropertyManagerTest, RepeatedStoresQueueOneLineForEachProperty) {
+    ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0); // nothing can be written
+    start();
+    static_cast<void>(add<StringProperty>("A", std::string(10'000, 'x')));
+    const std::size_t before = residentBytes();
+    for (int i = 0; i < 26'000; ++i)
+        named("Store Properties")->setFromString("True");
+    EXPECT_LT(residentBytes(), before + (32U << 20U));
 }
 
 TEST_F(PropertyManagerTest, LoadsRegistrationsSetsAndRemovalsMeetWithoutADeadlock) {
