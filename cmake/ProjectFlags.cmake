@@ -1,4 +1,5 @@
-# The one place for warning, sanitizer and hardening flags. Every target of ours links `project_flags`.
+# The one place for warning, sanitizer and hardening flags. Every target of ours links `project_flags`, except those of
+# generated sources; hardening applies to every target, in every configuration.
 add_library(project_flags INTERFACE)
 target_compile_features(project_flags INTERFACE cxx_std_20)
 target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}")
@@ -18,15 +19,22 @@ if(UPGRADEUI_SANITIZERS)
     target_link_options(project_flags INTERFACE -fsanitize=${UPGRADEUI_SANITIZERS})
 endif()
 
-if(NOT UPGRADEUI_SANITIZERS)
-    set(hardening -fstack-protector-strong -fstack-clash-protection
-        -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -D_GLIBCXX_ASSERTIONS)
-    if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
-        list(APPEND hardening -fcf-protection)
-    endif()
-    target_compile_options(project_flags INTERFACE "$<$<CONFIG:Release>:${hardening}>")
-    target_link_options(project_flags INTERFACE "$<$<CONFIG:Release>:-Wl,-z,relro,-z,now,-z,noexecstack>")
+# scripts/check-hardening checks the result.
+include(CheckCXXCompilerFlag)
+add_compile_options(-fstack-protector-strong -fstack-clash-protection -D_GLIBCXX_ASSERTIONS -U_FORTIFY_SOURCE)
+check_cxx_compiler_flag(-ftrivial-auto-var-init=zero has_auto_var_init) # clang before version 16 lacks it
+if(has_auto_var_init)
+    add_compile_options(-ftrivial-auto-var-init=zero)
 endif()
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    add_compile_options(-fcf-protection)
+endif()
+# The sanitizers do not know the checked functions. Without optimisation __OPTIMIZE__ is undefined, which counts as 0:
+# the C library then warns about any other value.
+if(NOT UPGRADEUI_SANITIZERS)
+    add_compile_options("-D_FORTIFY_SOURCE=(3*__OPTIMIZE__)")
+endif()
+add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
 
 include(CheckPIESupported)
 check_pie_supported()
