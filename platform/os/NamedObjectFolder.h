@@ -5,7 +5,8 @@
 #include <system_error>
 
 /// The folder "run/upgrade" under the device root, in which the named objects live, each as a file under its
-/// own name to the letter. Who may open the folder (mode 0770) may take part.
+/// own name to the letter. The folder has mode 3770: the members of its group may take part, and only the
+/// owner of an object can remove it.
 namespace os {
 
 /// Returns the path of the folder. Thread: any.

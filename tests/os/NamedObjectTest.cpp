@@ -61,7 +61,7 @@ TEST_F(NamedObject, AppearUnderTheirOwnNamesWithTheirFinalModeWhateverTheUmask) 
 
     std::string changed(65536, '\0'); // the names of the files whose mode was changed, among other bytes
     ASSERT_GT(::read(watch.value(), changed.data(), changed.size()), 0);
-    EXPECT_EQ(modeOf(root() / "run/upgrade"), 0770U);
+    EXPECT_EQ(modeOf(root() / "run/upgrade"), 03770U);
     for (const char* name : {R"(Global\AN_EVENT)", R"(Global\A_MUTEX)", R"(Global\A_MEMORY)"}) {
         EXPECT_EQ(modeOf(root() / "run/upgrade" / name), 0660U) << name;
         EXPECT_EQ(changed.find(name), std::string::npos) << name << " appeared with another mode";

@@ -4,6 +4,7 @@
 #include "platform/os/linux/SystemCall.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -50,7 +51,9 @@ Descriptor listenAt(const std::string& path, std::string& failure) {
         if (::unlink(path.c_str()) != 0 || !binds(socket, *address))
             return fail(failure, lastFailure().message());
     }
-    if (::chmod(path.c_str(), kRights) != 0 || ::listen(socket.value(), kLongestQueue) != 0)
+    // A link that replaces the socket at this moment is not followed.
+    if (::fchmodat(AT_FDCWD, path.c_str(), kRights, AT_SYMLINK_NOFOLLOW) != 0 ||
+        ::listen(socket.value(), kLongestQueue) != 0)
         return fail(failure, lastFailure().message());
     return socket;
 }

@@ -7,7 +7,8 @@ namespace os {
 namespace {
 
 constexpr mode_t kRunFolderPermissions = 0755;
-constexpr mode_t kFolderPermissions = 0770;
+// Set-group-ID: objects belong to the folder's group. Sticky: only its owner can remove an object.
+constexpr mode_t kFolderPermissions = 03770;
 
 } // namespace
 
