@@ -9,8 +9,8 @@ namespace os {
 
 /// One thread of the host: made held back, given a priority, let run, waited for or let go.
 ///
-/// An absent one, also where the host cannot create the thread, returns false from setPriority() and true from
-/// waitForEnd(), and does nothing else.
+/// An absent one, also where the host cannot create the thread, returns false from setPriority() and true
+/// from waitForEnd(), and does nothing else.
 class NativeThread {
 public:
     using Routine = std::uint32_t (*)(void* argument);
