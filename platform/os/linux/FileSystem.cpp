@@ -46,7 +46,7 @@ std::error_code writeWhole(const Descriptor& file, std::string_view bytes) {
 // Passes the content to @p take, block by block, until that fails.
 template <typename Take>
 std::error_code readBlocks(const Descriptor& file, Take take) {
-    std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): read before it is used
+    std::array<char, 65536> buffer;
     for (off_t offset = 0;;) {
         const ssize_t count =
             retried([&] { return ::pread(file.value(), buffer.data(), buffer.size(), offset); });
