@@ -1,7 +1,9 @@
+#include "tools/picl/PropertyJson.h"
 #include "tools/picl/Table.h"
 #include "tools/picl/VisibleText.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <sstream>
 
@@ -50,6 +52,12 @@ TEST(VisibleText, IsCutBetweenCharactersAndNeverWider) {
     }
     EXPECT_EQ(cutToColumns(text, 4), "ab…") << "half of a wide one does not fit";
     EXPECT_EQ(cutToColumns(text, 7), text);
+}
+
+TEST(PropertyJson, IsVisibleTextAndStaysTheSameDocument) {
+    const nlohmann::ordered_json document{{"value", "\u009b31m\u202eabc\u2028\x7f\n打"}};
+    EXPECT_EQ(lineOf(document), R"({"value":"\u009b31m\u202eabc\u2028\u007f\n打"})");
+    EXPECT_EQ(nlohmann::ordered_json::parse(linesOf(document)), document);
 }
 
 std::string printed(std::optional<std::size_t> width) {

@@ -47,6 +47,9 @@ TEST_F(Log, KeepsLinesShortAndOutlivesItsReader) {
     ServerLog log(writer.value());
     log.write(std::string(100'000, 'x'));
     EXPECT_EQ(read(), "picl serve: " + std::string(1024, 'x') + '\n');
+    log.write("\u009b31m\u202e\u2028\n" + std::string(1000, 'x') + "打印机");
+    EXPECT_EQ(read(), R"(picl serve: \u009b31m\u202e\u2028\n)" + std::string(1000, 'x') + '\n')
+        << "the terminal obeys nothing, and no character is cut";
     reader = os::Descriptor();
     log.write("nobody is there"); // SIGPIPE would end the test
 }

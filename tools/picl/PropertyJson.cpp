@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <sstream>
+
 using Json = nlohmann::ordered_json;
 
 namespace {
@@ -44,8 +46,15 @@ void addValue(Json& object, std::string_view value) {
         object["valueInHex"] = hexadecimal(value);
 }
 
-std::string lineOf(const Json& json) { return json.dump(-1, ' ', false, Json::error_handler_t::replace); }
+// The escapes of visible text are those of JSON, because the text is valid UTF-8.
+std::string lineOf(const Json& json) {
+    return visibleText(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
 
 std::string linesOf(const Json& json) {
-    return json.dump(kIndent, ' ', false, Json::error_handler_t::replace);
+    std::istringstream lines(json.dump(kIndent, ' ', false, Json::error_handler_t::replace));
+    std::string text;
+    for (std::string line; std::getline(lines, line);)
+        text += (text.empty() ? "" : "\n") + visibleText(line);
+    return text;
 }

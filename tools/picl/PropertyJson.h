@@ -17,6 +17,7 @@
 /// "valueInHex".
 void addValue(nlohmann::ordered_json& object, std::string_view value);
 
-/// Returns @p json as text, on one line or on several. What is no UTF-8 in a name is replaced by U+FFFD.
+/// Returns @p json as text, on one line or on several, with the escapes of visibleText(). Bytes of a name
+/// that are not UTF-8 are replaced by U+FFFD.
 [[nodiscard]] std::string lineOf(const nlohmann::ordered_json& json);
 [[nodiscard]] std::string linesOf(const nlohmann::ordered_json& json);

@@ -12,7 +12,7 @@ public:
     /// Who hands in @p descriptor owns it, and keeps it open.
     explicit ServerLog(int descriptor) : m_descriptor(descriptor) {}
 
-    /// Writes @p sentence as a line; of a long one its beginning. Does not block.
+    /// Writes the first 1024 bytes of @p sentence, as visibleText() shows them, as a line. Does not block.
     void write(std::string_view sentence);
 
 private:
