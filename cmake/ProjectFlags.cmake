@@ -22,16 +22,16 @@ endif()
 # scripts/check-hardening checks the result.
 include(CheckCXXCompilerFlag)
 add_compile_options(-fstack-protector-strong -fstack-clash-protection -D_GLIBCXX_ASSERTIONS -U_FORTIFY_SOURCE)
-check_cxx_compiler_flag(-ftrivial-auto-var-init=zero has_auto_var_init) # clang before version 16 lacks it
-if(has_auto_var_init)
-    add_compile_options(-ftrivial-auto-var-init=zero)
-endif()
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
     add_compile_options(-fcf-protection)
 endif()
-# The sanitizers do not know the checked functions. Without optimisation __OPTIMIZE__ is undefined, which counts as 0:
-# the C library then warns about any other value.
+# Sanitizers have to see uninitialized variables, and do not know the checked functions of the C library. Without
+# optimisation __OPTIMIZE__ is undefined, which counts as 0: the C library then warns about any other value.
 if(NOT UPGRADEUI_SANITIZERS)
+    check_cxx_compiler_flag(-ftrivial-auto-var-init=zero has_auto_var_init) # clang before version 16 lacks it
+    if(has_auto_var_init)
+        add_compile_options(-ftrivial-auto-var-init=zero)
+    endif()
     add_compile_options("-D_FORTIFY_SOURCE=(3*__OPTIMIZE__)")
 endif()
 add_link_options(-Wl,-z,relro,-z,now,-z,noexecstack)
