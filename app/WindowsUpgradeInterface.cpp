@@ -66,7 +66,7 @@ void WindowsUpgradeInterface::stop() {
         m_listener.join();
 }
 
-// Of a step on another thread only the end is seen here.
+// Returns after a step of another thread has ended.
 bool WindowsUpgradeInterface::isInStep() {
     const KeltoGuard guard(m_stepLock);
     return m_stepDepth > 0;

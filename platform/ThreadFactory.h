@@ -31,7 +31,7 @@ public:
     void bury(std::unique_ptr<Thread> thread);
 
 private:
-    /// The state that the reaper shares, so that it may return after the factory is gone.
+    /// The state that the reaper shares, so that it can return after the factory was destroyed.
     struct Reaping {
         std::atomic<bool> running = true; // the reaper may look before the first signal orders anything
         KeltoMutex lock;
