@@ -66,7 +66,7 @@ void WindowsUpgradeInterface::stop() {
         m_listener.join();
 }
 
-// Returns after a step of another thread has ended.
+// Waits for a step of another thread; true only inside a step of the calling thread.
 bool WindowsUpgradeInterface::isInStep() {
     const KeltoGuard guard(m_stepLock);
     return m_stepDepth > 0;
